@@ -1,0 +1,44 @@
+# GoogleTest built for the target, and CTest running every test program under Wine.
+include(GoogleTest)
+
+if(CMAKE_CROSSCOMPILING)
+  set(CORVANE_WINEPREFIX ${CMAKE_BINARY_DIR}/wineprefix CACHE PATH "Wine prefix of this build tree")
+  set(CORVANE_WINE_RUN ${CMAKE_BINARY_DIR}/wine-run)
+  file(WRITE ${CORVANE_WINE_RUN}
+    "#!/bin/sh\nCORVANE_WINEPREFIX='${CORVANE_WINEPREFIX}' exec '${PROJECT_SOURCE_DIR}/scripts/wine-run.sh' \"$@\"\n")
+  file(CHMOD ${CORVANE_WINE_RUN} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${CORVANE_WINE_RUN})
+endif()
+
+set(GTEST_SOURCE_DIR /usr/src/googletest CACHE PATH "GoogleTest sources (Debian's googletest package)")
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+add_subdirectory(${GTEST_SOURCE_DIR} ${CMAKE_BINARY_DIR}/third_party/googletest EXCLUDE_FROM_ALL)
+
+# corvane_add_gtest(<name> SOURCES ... [LIBS ...] [LOCKS ...] [LABELS ...])
+# The program lands beside the DLL in the test bed; each test case becomes one CTest test.
+function(corvane_add_gtest name)
+  cmake_parse_arguments(T "" "" "SOURCES;LIBS;LOCKS;LABELS" ${ARGN})
+  add_executable(${name} ${T_SOURCES})
+  target_link_libraries(${name} PRIVATE corvane_options GTest::gtest GTest::gtest_main ${T_LIBS})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CORVANE_TESTBED_DLL_DIR}$<0:>")
+  if(NOT MSVC)
+    # gtest_main supplies main(), not wmain().
+    target_link_options(${name} PRIVATE -mconsole)
+  endif()
+  set(props TIMEOUT 120)
+  if(T_LOCKS)
+    list(JOIN T_LOCKS ";" locks)
+    list(APPEND props RESOURCE_LOCK "${locks}")
+  endif()
+  if(T_LABELS)
+    list(APPEND props LABELS "${T_LABELS}")
+  endif()
+  gtest_discover_tests(${name}
+    DISCOVERY_MODE PRE_TEST
+    DISCOVERY_TIMEOUT 120
+    WORKING_DIRECTORY ${CORVANE_TESTBED_DLL_DIR}
+    PROPERTIES ${props})
+  add_dependencies(${name} corvane_testbed)
+endfunction()
