@@ -1,0 +1,80 @@
+#include "debug_capture.h"
+
+#include <atomic>
+
+#ifndef DBG_PRINTEXCEPTION_WIDE_C
+#define DBG_PRINTEXCEPTION_WIDE_C 0x4001000AL
+#endif
+#ifndef DBG_PRINTEXCEPTION_C
+#define DBG_PRINTEXCEPTION_C 0x40010006L
+#endif
+
+namespace testsupport {
+
+namespace {
+std::atomic<DebugCapture*> g_active{nullptr};
+}
+
+DebugCapture::DebugCapture() {
+  g_active.store(this);
+  m_handler = ::AddVectoredExceptionHandler(1, &DebugCapture::Handler);
+}
+
+DebugCapture::~DebugCapture() {
+  if (m_handler != nullptr) ::RemoveVectoredExceptionHandler(m_handler);
+  g_active.store(nullptr);
+}
+
+LONG CALLBACK DebugCapture::Handler(EXCEPTION_POINTERS* info) {
+  DebugCapture* self = g_active.load();
+  const EXCEPTION_RECORD* record = info->ExceptionRecord;
+  if (self == nullptr || record->NumberParameters < 2) return EXCEPTION_CONTINUE_SEARCH;
+  try {
+    if (record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_WIDE_C)) {
+      const auto* text = reinterpret_cast<const wchar_t*>(record->ExceptionInformation[1]);
+      const auto length = static_cast<size_t>(record->ExceptionInformation[0]);
+      std::wstring line(text, length > 0 ? length - 1 : 0);
+      std::lock_guard<std::mutex> lock(self->m_mutex);
+      self->m_sawWide = true;
+      self->m_lines.push_back(std::move(line));
+      // Unhandled, the system repeats a wide line as a narrow one; that copy is skipped below.
+    } else if (record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_C)) {
+      const auto* text = reinterpret_cast<const char*>(record->ExceptionInformation[1]);
+      const int length = static_cast<int>(record->ExceptionInformation[0]);
+      std::wstring line;
+      if (length > 1) {
+        const int wide = ::MultiByteToWideChar(CP_ACP, 0, text, length - 1, nullptr, 0);
+        line.resize(static_cast<size_t>(wide));
+        ::MultiByteToWideChar(CP_ACP, 0, text, length - 1, line.data(), wide);
+      }
+      std::lock_guard<std::mutex> lock(self->m_mutex);
+      if (self->m_sawWide && !self->m_lines.empty() && self->m_lines.back() == line) {
+        self->m_sawWide = false;
+      } else {
+        self->m_lines.push_back(std::move(line));
+      }
+    }
+  } catch (...) {
+  }
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+std::vector<std::wstring> DebugCapture::Lines() const {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  return m_lines;
+}
+
+std::vector<std::wstring> DebugCapture::LinesContaining(const std::wstring& text) const {
+  std::vector<std::wstring> found;
+  for (auto& line : Lines()) {
+    if (line.find(text) != std::wstring::npos) found.push_back(line);
+  }
+  return found;
+}
+
+void DebugCapture::Clear() {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  m_lines.clear();
+}
+
+}  // namespace testsupport
