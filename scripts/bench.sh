@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Runs every benchmark program under Wine and prints its figures.
+set -euo pipefail
+build=$(cd "$1" && pwd)
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+export CORVANE_WINEPREFIX=$build/wineprefix
+"$here/wine-prefix.sh" "$CORVANE_WINEPREFIX"
+trap 'WINEPREFIX=$CORVANE_WINEPREFIX wineserver -k 2>/dev/null || true' EXIT
+cmake --build "$build" --target corvane_bench -j 2 >/dev/null
+benchdir=$build/testbed/Halvex/bench
+run() { "$here/wine-run.sh" "$@" 2>/dev/null | tr -d '\r'; }
+cd "$benchdir"
+run ./log_bench.exe
+[ -f poll_bench.exe ] && run ./poll_bench.exe
+run ./explorer.exe 'Z:'"$(echo "$build/testbed/Halvex/shell/Corvane.dll" | tr / '\\')" trivial.dll 200
