@@ -1,7 +1,7 @@
 // The baseline for the load benchmark: a DLL with the same class-object export and nothing else.
 #include <windows.h>
 
-extern "C" __declspec(dllexport) HRESULT WINAPI DllGetClassObject(REFCLSID, REFIID, void** ppv) {
+extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID, REFIID, void** ppv) {
   if (ppv != nullptr) *ppv = nullptr;
   return CLASS_E_CLASSNOTAVAILABLE;
 }

@@ -1,4 +1,5 @@
-# Second compiler for the same target: Debian's clang against the mingw-w64 headers and libraries.
+# Second compiler for the same target: Debian's clang with the mingw-w64 headers, libstdc++ and
+# the posix-thread gcc runtime (clang does not find the "12-posix" runtime folder on its own).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
@@ -8,9 +9,15 @@ set(CMAKE_CXX_COMPILER clang++)
 set(CMAKE_C_COMPILER_TARGET   ${CORVANE_MINGW_TRIPLE})
 set(CMAKE_CXX_COMPILER_TARGET ${CORVANE_MINGW_TRIPLE})
 set(CMAKE_RC_COMPILER  ${CORVANE_MINGW_TRIPLE}-windres)
-# clang picks the posix-thread flavour of the gcc runtime through this prefix.
-set(CMAKE_CXX_FLAGS_INIT "-fuse-ld=bfd")
+
+file(GLOB corvane_gcc_runtime LIST_DIRECTORIES true /usr/lib/gcc/${CORVANE_MINGW_TRIPLE}/*-posix)
+list(GET corvane_gcc_runtime 0 corvane_gcc_runtime)
 set(CMAKE_C_FLAGS_INIT "-fuse-ld=bfd")
+set(CMAKE_CXX_FLAGS_INIT "-fuse-ld=bfd -isystem ${corvane_gcc_runtime}/include/c++ -isystem ${corvane_gcc_runtime}/include/c++/${CORVANE_MINGW_TRIPLE}")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-L${corvane_gcc_runtime}")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-L${corvane_gcc_runtime}")
+set(CMAKE_CXX_STANDARD_LIBRARIES "-Wl,--start-group -lstdc++ -lgcc -lgcc_eh -lwinpthread -lmingw32 -lmoldname -lmingwex -lmsvcrt -lkernel32 -Wl,--end-group")
+set(CMAKE_C_STANDARD_LIBRARIES "-Wl,--start-group -lgcc -lgcc_eh -lwinpthread -lmingw32 -lmoldname -lmingwex -lmsvcrt -lkernel32 -Wl,--end-group")
 
 set(CMAKE_FIND_ROOT_PATH /usr/${CORVANE_MINGW_TRIPLE})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
