@@ -1,0 +1,176 @@
+// The pure text rules behind the registry readers; no Windows header, so this also builds natively.
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "core/numbers.h"
+#include "core/sync_path.h"
+
+namespace {
+
+using corvane::core::ParseDecimalInt32;
+using corvane::core::ParseDecimalInt64;
+using corvane::core::ParseDecimalReal;
+
+TEST(ParseDecimalInt32, BlanksSignsTrailingTextAndRange) {
+  struct Case {
+    std::wstring text;
+    std::int32_t expected;
+  } const cases[] = {
+      {L"", 0},
+      {L"abc", 0},
+      {L"true", 0},
+      {L"1", 1},
+      {L" 1", 1},
+      {L"\t\r\n\v\f 42x", 42},
+      {L"1abc", 1},
+      {L"1 2", 1},
+      {L"+7", 7},
+      {L"-7", -7},
+      {L"--7", 0},
+      {L"+-7", 0},
+      {L"- 7", 0},
+      {L"-", 0},
+      {L"007", 7},
+      {L"-0", 0},
+      {L"2147483647", 2147483647},
+      {L"2147483648", 0},
+      {L"-2147483648", std::numeric_limits<std::int32_t>::min()},
+      {L"-2147483649", 0},
+      {L"00000000002147483647", 2147483647},
+      {L"4294967297", 0},  // would read as 1 if it wrapped
+      {L"99999999999999999999999", 0},
+      {L"\u00a01", 0},  // a no-break space is not a blank
+      {L"\uff11", 0},   // nor is a full-width digit a digit
+      {std::wstring(L"1\0" L"2", 3), 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ParseDecimalInt32(c.text), c.expected) << "text of " << c.text.size() << " characters, first "
+                                                     << (c.text.empty() ? 0 : static_cast<int>(c.text[0]));
+  }
+}
+
+TEST(ParseDecimalInt64, SixtyFourBitRange) {
+  struct Case {
+    std::wstring text;
+    std::int64_t expected;
+  } const cases[] = {
+      {L"1073741824", 1073741824},
+      {L"1073741825", 1073741825},
+      {L" -1", -1},
+      {L"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+      {L"9223372036854775808", 0},
+      {L"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+      {L"-9223372036854775809", 0},
+      {L"18446744073709551616", 0},  // 2^64 would read as 0 anyway; make sure 2^64+1 does not wrap to 1
+      {L"18446744073709551617", 0},
+      {L"5GB", 5},
+      {L"GB5", 0},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ParseDecimalInt64(c.text), c.expected) << c.text.size();
+  }
+}
+
+TEST(ParseDecimalReal, DecimalAndExponentFormsOnly) {
+  struct Case {
+    std::wstring text;
+    std::optional<double> expected;
+  } const cases[] = {
+      {L"1.25", 1.25},
+      {L"1", 1.0},
+      {L" \t1.5", 1.5},
+      {L"+2", 2.0},
+      {L"-0.5", -0.5},
+      {L".5", 0.5},
+      {L"5.", 5.0},
+      {L"2e-1", 0.2},
+      {L"2E+1", 20.0},
+      {L"1.5e2x", 150.0},
+      {L"2e", 2.0},  // no exponent digits: the 'e' is trailing text
+      {L"2e+", 2.0},
+      {L"1.5x", 1.5},
+      {L"1,25", 1.0},  // the decimal point is '.', never the locale's comma
+      {L"0x10", 0.0},  // no hexadecimal: "x10" is trailing text
+      {L"", std::nullopt},
+      {L" ", std::nullopt},
+      {L".", std::nullopt},
+      {L"-", std::nullopt},
+      {L"+.", std::nullopt},
+      {L"e5", std::nullopt},
+      {L"abc", std::nullopt},
+      {L"inf", std::nullopt},
+      {L"nan", std::nullopt},
+      {L"infinity", std::nullopt},
+      {L"1e400", std::nullopt},
+      {L"-1e400", std::nullopt},
+      {L"1e-400", std::nullopt},
+      {L"\uff11.5", std::nullopt},
+  };
+  for (const auto& c : cases) {
+    const auto parsed = ParseDecimalReal(c.text);
+    ASSERT_EQ(parsed.has_value(), c.expected.has_value()) << "text of " << c.text.size() << " characters";
+    if (parsed) {
+      EXPECT_DOUBLE_EQ(*parsed, *c.expected) << c.text.size();
+    }
+  }
+}
+
+TEST(ParseDecimalReal, IgnoresTheLocaleDecimalComma) {
+  const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
+  const char* const commaLocales[] = {"de-DE", "German_Germany.1252", "de_DE.UTF-8", "de_DE"};
+  const char* chosen = nullptr;
+  for (const char* name : commaLocales) {
+    if (std::setlocale(LC_NUMERIC, name) != nullptr) {
+      chosen = name;
+      break;
+    }
+  }
+  const auto dotted = ParseDecimalReal(L"1.25");
+  const auto comma = ParseDecimalReal(L"1,25");
+  std::setlocale(LC_NUMERIC, previous.c_str());
+  if (chosen == nullptr) GTEST_SKIP() << "no locale with a decimal comma is installed";
+  ASSERT_TRUE(dotted.has_value());
+  EXPECT_DOUBLE_EQ(*dotted, 1.25);
+  ASSERT_TRUE(comma.has_value());
+  EXPECT_DOUBLE_EQ(*comma, 1.0);
+}
+
+TEST(UnsignedDecimal, WindowNumbersAsValueNames) {
+  EXPECT_EQ(corvane::core::UnsignedDecimal(0), L"0");
+  EXPECT_EQ(corvane::core::UnsignedDecimal(7), L"7");
+  EXPECT_EQ(corvane::core::UnsignedDecimal(65602), L"65602");
+  EXPECT_EQ(corvane::core::UnsignedDecimal(1000000), L"1000000");
+  EXPECT_EQ(corvane::core::UnsignedDecimal(std::numeric_limits<std::uint64_t>::max()), L"18446744073709551615");
+}
+
+TEST(SyncPathText, OneTrailingBackslashDroppedAndSlashesTurned) {
+  struct Case {
+    std::wstring text;
+    bool dropped;
+    std::wstring afterDrop;
+    std::wstring afterSlashes;
+  } const cases[] = {
+      {L"", false, L"", L""},
+      {L"D:\\Sync", false, L"D:\\Sync", L"D:\\Sync"},
+      {L"D:\\Sync\\", true, L"D:\\Sync", L"D:\\Sync"},
+      {L"D:\\Sync\\\\", true, L"D:\\Sync\\", L"D:\\Sync\\"},
+      {L"\\", true, L"", L""},
+      {L"D:/Sync/", false, L"D:/Sync/", L"D:\\Sync\\"},
+      {L"D:/Sync/\\", true, L"D:/Sync/", L"D:\\Sync\\"},
+      {L"//server/share/a", false, L"//server/share/a", L"\\\\server\\share\\a"},
+  };
+  for (const auto& c : cases) {
+    std::wstring path = c.text;
+    EXPECT_EQ(corvane::core::DropOneTrailingBackslash(path), c.dropped) << c.text.size();
+    EXPECT_EQ(path, c.afterDrop);
+    corvane::core::SlashesToBackslashes(path);
+    EXPECT_EQ(path, c.afterSlashes);
+  }
+}
+
+}  // namespace
