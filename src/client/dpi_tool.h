@@ -12,3 +12,6 @@ namespace cx {
 std::wstring startDpiTool(HWND hwnd) noexcept;
 
 }  // namespace cx
+
+// Callers outside the launcher use these names unqualified.
+using cx::startDpiTool;

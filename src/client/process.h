@@ -26,3 +26,7 @@ bool FindClientProcesses(const std::wstring& exeName, std::uint64_t& startTimeMs
 bool IsProcessRunning(const std::wstring& exeName) noexcept;
 
 }  // namespace cx
+
+// Callers outside the launcher use these names unqualified.
+using cx::FindClientProcesses;
+using cx::IsProcessRunning;

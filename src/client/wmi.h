@@ -12,3 +12,6 @@ namespace cx {
 bool QueryProcessCommandLine(DWORD pid, std::wstring& commandLine) noexcept;
 
 }  // namespace cx
+
+// Callers outside the launcher use these names unqualified.
+using cx::QueryProcessCommandLine;
