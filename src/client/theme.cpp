@@ -1,5 +1,7 @@
 #include "client/theme.h"
 
+#include <cwchar>
+
 namespace theme {
 
 bool IsDarkTheme() noexcept {
@@ -38,7 +40,8 @@ DWORD CapacityTextArgb(bool dark) noexcept {
 
 bool IsSettingChange(LPARAM lParam, const wchar_t* name) noexcept {
   const auto* text = reinterpret_cast<const wchar_t*>(lParam);
-  return text != nullptr && name != nullptr && ::lstrcmpW(text, name) == 0;
+  // An exact, case-sensitive match: lstrcmpW would compare by locale and let look-alike strings through.
+  return text != nullptr && name != nullptr && std::wcscmp(text, name) == 0;
 }
 
 }  // namespace theme
