@@ -11,5 +11,5 @@ benchdir=$build/testbed/Halvex/bench
 run() { "$here/wine-run.sh" "$@" 2>/dev/null | tr -d '\r'; }
 cd "$benchdir"
 run ./log_bench.exe
-[ -f poll_bench.exe ] && run ./poll_bench.exe
+run ./poll_bench.exe
 run ./explorer.exe 'Z:'"$(echo "$build/testbed/Halvex/shell/Corvane.dll" | tr / '\\')" trivial.dll 200

@@ -14,19 +14,19 @@ corvane::unique_hkey OpenUserKey(const wchar_t* subkey, REGSAM access) noexcept 
 
 CReadKey::CReadKey(const wchar_t* subkey) noexcept : m_key(OpenUserKey(subkey, KEY_READ)) {}
 
-bool CReadKey::HasValue(const wchar_t* name) const noexcept {
-  if (!m_key) return false;
+std::optional<DWORD> CReadKey::ValueSize(const wchar_t* name) const noexcept {
+  if (!m_key) return std::nullopt;
   DWORD type = 0;
   DWORD size = 0;
-  return ::RegQueryValueExW(m_key.get(), name, nullptr, &type, nullptr, &size) == ERROR_SUCCESS;
+  if (::RegQueryValueExW(m_key.get(), name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return std::nullopt;
+  return size;
 }
 
-std::wstring CReadKey::ReadText(const wchar_t* name) const {
+std::wstring CReadKey::ReadText(const wchar_t* name, std::optional<DWORD> knownSize) const {
   if (!m_key) return std::wstring();
-  DWORD size = 0;
-  if (::RegQueryValueExW(m_key.get(), name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS || size == 0) {
-    return std::wstring();
-  }
+  if (!knownSize) knownSize = ValueSize(name);
+  if (!knownSize || *knownSize == 0) return std::wstring();
+  const DWORD size = *knownSize;
   // Two spare characters, all zero, keep the text terminated even when the stored data has no
   // null of its own or ends in half a character.
   const std::size_t half = size / 2;

@@ -3,6 +3,7 @@
 // values through a single open. The free helpers in reg_util.h are built on it.
 #include <windows.h>
 
+#include <optional>
 #include <string>
 
 #include "platform/handles.h"
@@ -21,10 +22,14 @@ class CReadKey {
 
   bool IsOpen() const noexcept { return static_cast<bool>(m_key); }
   // The value is there; its type and size are asked for, its data is not.
-  bool HasValue(const wchar_t* name) const noexcept;
+  bool HasValue(const wchar_t* name) const noexcept { return ValueSize(name).has_value(); }
+  // The value's size in bytes when it is there.
+  std::optional<DWORD> ValueSize(const wchar_t* name) const noexcept;
   // ReadRegistryValue on this key: the data as UTF-16 text up to the first null, empty on failure.
+  // A size the caller has just asked for (the existence check) is not asked for again; a value that
+  // grew since then fails the read like any value that changes between the two queries.
   // Throws only std::bad_alloc.
-  std::wstring ReadText(const wchar_t* name) const;
+  std::wstring ReadText(const wchar_t* name, std::optional<DWORD> knownSize = std::nullopt) const;
 
  private:
   corvane::unique_hkey m_key;

@@ -1,5 +1,7 @@
 #include "client/registry_user.h"
 
+#include <cwchar>
+
 namespace regUtil::detail {
 
 namespace {
@@ -9,13 +11,14 @@ constexpr std::size_t kMinimumUserLength = 11;
 
 bool ReadCurrentUser(const wchar_t* function, Level level, std::wstring& user) {
   const CReadKey root(kRootKey);
-  if (!root.IsOpen() || !root.HasValue(L"currentUser")) {
+  const std::optional<DWORD> size = root.ValueSize(L"currentUser");
+  if (!size) {
     CORVANE_REG_LOG(level, function,
                     L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex not exist or "
                     L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex\\currentUser not exist");
     return false;
   }
-  user = root.ReadText(L"currentUser");
+  user = root.ReadText(L"currentUser", size);
   return true;
 }
 
@@ -34,13 +37,33 @@ bool CUserValues::Open(const wchar_t* function, Level level, std::initializer_li
   m_path += user;
   m_key.emplace(m_path.c_str());
   bool present = m_key->IsOpen();
-  for (const wchar_t* name : names) present = present && m_key->HasValue(name);
+  for (const wchar_t* name : names) present = present && Has(name);
   if (!present) {
     // Every message names the key up to three times; surplus arguments are ignored by the format.
     CORVANE_REG_LOG(level, function, missingFormat, Path(), Path(), Path());
     return false;
   }
   return true;
+}
+
+bool CUserValues::Has(const wchar_t* name) noexcept {
+  if (!m_key) return false;
+  const std::optional<DWORD> size = m_key->ValueSize(name);
+  if (!size) return false;
+  try {
+    m_checked.push_back({name, *size});
+  } catch (...) {
+    // Without the note the read simply asks for the size itself.
+  }
+  return true;
+}
+
+std::wstring CUserValues::Read(const wchar_t* name) const {
+  if (!m_key) return std::wstring();
+  for (const Checked& checked : m_checked) {
+    if (std::wcscmp(checked.name, name) == 0) return m_key->ReadText(name, checked.size);
+  }
+  return m_key->ReadText(name);
 }
 
 }  // namespace regUtil::detail

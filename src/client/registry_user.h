@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "client/reg_util_key.h"
 #include "log/logger.h"
@@ -36,12 +37,18 @@ class CUserValues {
 
   // "Software\varnowe\Halvex\<currentUser>", for the log lines.
   const wchar_t* Path() const noexcept { return m_path.c_str(); }
-  bool Has(const wchar_t* name) const noexcept { return m_key && m_key->HasValue(name); }
-  std::wstring Read(const wchar_t* name) const { return m_key ? m_key->ReadText(name) : std::wstring(); }
+  bool Has(const wchar_t* name) noexcept;
+  // Reads a value; one whose existence this object checked is read without asking its size again.
+  std::wstring Read(const wchar_t* name) const;
 
  private:
+  struct Checked {
+    const wchar_t* name;
+    DWORD size;
+  };
   std::wstring m_path;
   std::optional<CReadKey> m_key;
+  std::vector<Checked> m_checked;
 };
 
 }  // namespace regUtil::detail

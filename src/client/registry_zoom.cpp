@@ -11,14 +11,15 @@ bool getDpiZoom(std::uint64_t windowNumber, double& zoom) noexcept {
   try {
     const std::wstring name = corvane::core::UnsignedDecimal(windowNumber);
     const CReadKey key(L"Software\\varnowe\\Halvex\\dpiZoom");
-    if (!key.IsOpen() || !key.HasValue(name.c_str())) {
+    const std::optional<DWORD> size = key.ValueSize(name.c_str());
+    if (!size) {
       LOG_DEBUG(kFunction,
                 L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex\\dpiZoom not exist or "
                 L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex\\dpiZoom\\%s not exist",
                 name.c_str());
       return false;
     }
-    const std::wstring text = key.ReadText(name.c_str());
+    const std::wstring text = key.ReadText(name.c_str(), size);
     // A text that is not a number still counts as published: the caller keeps its current zoom.
     if (const auto parsed = corvane::core::ParseDecimalReal(text)) zoom = *parsed;
     LOG_DEBUG(kFunction, L"dpiZoom = %s", text.c_str());
