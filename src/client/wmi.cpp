@@ -3,7 +3,7 @@
 #include <wbemidl.h>
 #include <wrl/client.h>
 
-#include "client/wmi_owners.h"
+#include "platform/automation.h"
 
 namespace cx {
 
@@ -17,7 +17,7 @@ bool QueryProcessCommandLine(DWORD pid, std::wstring& commandLine) noexcept {
       return false;
     }
 
-    const unique_bstr resource(::SysAllocString(L"ROOT\\CIMV2"));
+    const corvane::unique_bstr resource(::SysAllocString(L"ROOT\\CIMV2"));
     if (!resource) return false;
     ComPtr<IWbemServices> services;
     if (FAILED(locator->ConnectServer(resource.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
@@ -31,9 +31,9 @@ bool QueryProcessCommandLine(DWORD pid, std::wstring& commandLine) noexcept {
       return false;
     }
 
-    const unique_bstr language(::SysAllocString(L"WQL"));
+    const corvane::unique_bstr language(::SysAllocString(L"WQL"));
     const std::wstring text = L"SELECT CommandLine FROM Win32_Process WHERE ProcessId = " + std::to_wstring(pid);
-    const unique_bstr query(::SysAllocString(text.c_str()));
+    const corvane::unique_bstr query(::SysAllocString(text.c_str()));
     if (!language || !query) return false;
     ComPtr<IEnumWbemClassObject> enumerator;
     if (FAILED(services->ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY, nullptr,
@@ -49,7 +49,7 @@ bool QueryProcessCommandLine(DWORD pid, std::wstring& commandLine) noexcept {
       // The result of Next is not needed: an enumeration that ends or fails returns no object.
       static_cast<void>(enumerator->Next(static_cast<LONG>(WBEM_INFINITE), 1, object.ReleaseAndGetAddressOf(), &returned));
       if (returned == 0 || !object) break;
-      unique_variant value;
+      corvane::unique_variant value;
       if (SUCCEEDED(object->Get(L"CommandLine", 0, value.put(), nullptr, nullptr)) && V_VT(&value.get()) == VT_BSTR) {
         const BSTR line = V_BSTR(&value.get());
         result.assign(line != nullptr ? line : L"", ::SysStringLen(line));

@@ -1,11 +1,11 @@
 #pragma once
-// Owners for the Automation types WMI hands out.
+// Owners for the Automation types: BSTR and VARIANT (WMI answers, Navigate2 arguments).
 #include <windows.h>
 #include <oleauto.h>
 
 #include "platform/unique_resource.h"
 
-namespace cx {
+namespace corvane {
 
 namespace detail {
 inline void FreeBstr(BSTR text) noexcept { ::SysFreeString(text); }
@@ -32,4 +32,4 @@ class unique_variant {
   VARIANT m_value;
 };
 
-}  // namespace cx
+}  // namespace corvane
