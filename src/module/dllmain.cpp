@@ -5,6 +5,7 @@
 #include "core/host_check.h"
 #include "log/logger.h"
 #include "module/corvane_module.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -31,6 +32,8 @@ BOOL OnProcessDetach(DWORD reason, LPVOID reserved) {
     delete g_pLogger;
     g_pLogger = nullptr;
   }
+  // A class left registered would point into this module after it is unmapped.
+  corvane::UnregisterModuleWindowClasses();
   return g_CorvaneModule.DllMain(reason, reserved);
 }
 

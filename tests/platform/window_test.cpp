@@ -1,0 +1,125 @@
+// The window base and the subclass wrapper on real windows.
+#include <gtest/gtest.h>
+
+#include <span>
+#include <stdexcept>
+#include <vector>
+
+#include "platform/subclass.h"
+#include "platform/window.h"
+
+namespace {
+
+class CProbe : public corvane::Window<CProbe> {
+ public:
+  static constexpr const wchar_t* kClassName = L"CorvaneTestProbe";
+  static std::span<const MessageEntry> MessageMap() {
+    static const MessageEntry map[] = {
+        {WM_USER + 1, &CProbe::OnDeclined},
+        {WM_USER + 1, &CProbe::OnTaken},
+        {WM_USER + 2, &CProbe::OnThrow},
+        {WM_COMMAND, &CProbe::OnCommandA, 7, BN_CLICKED},
+        {WM_COMMAND, &CProbe::OnAnyCommand},
+        {WM_GETTEXTLENGTH, &CProbe::OnDeclined},
+    };
+    return map;
+  }
+  LRESULT OnDeclined(UINT, WPARAM, LPARAM, bool& handled) {
+    calls.push_back(L"declined");
+    handled = false;
+    return 111;
+  }
+  LRESULT OnTaken(UINT, WPARAM, LPARAM, bool&) {
+    calls.push_back(L"taken");
+    return 42;
+  }
+  LRESULT OnThrow(UINT, WPARAM, LPARAM, bool&) { throw std::runtime_error("handler failure"); }
+  LRESULT OnCommandA(UINT, WPARAM, LPARAM, bool&) {
+    calls.push_back(L"A");
+    return 1;
+  }
+  LRESULT OnAnyCommand(UINT, WPARAM wParam, LPARAM, bool&) {
+    calls.push_back(L"any:" + std::to_wstring(LOWORD(wParam)));
+    return 2;
+  }
+  void OnFinalMessage(HWND) override { finalSeen = true; }
+
+  std::vector<std::wstring> calls;
+  bool finalSeen = false;
+};
+
+class CSpy : public corvane::SubclassWindow<CSpy, int> {
+ public:
+  CSpy() : SubclassWindow(0x20190803) {}
+  LRESULT OnSubclassMessage(UINT message, WPARAM, LPARAM, bool& handled) {
+    if (message == WM_USER + 5) {
+      ++seen;
+      handled = true;
+      return 5;
+    }
+    return 0;
+  }
+  int seen = 0;
+};
+
+}  // namespace
+
+TEST(Window, MessageMapRunsInOrderAndFallsBackToDefault) {
+  CProbe probe;
+  ASSERT_NE(probe.Create(nullptr, nullptr, L"probe text", WS_OVERLAPPEDWINDOW), nullptr);
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_USER + 1, 0, 0), 42) << "a declining handler lets later entries run";
+  EXPECT_EQ(probe.calls, (std::vector<std::wstring>{L"declined", L"taken"}));
+
+  probe.calls.clear();
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_COMMAND, MAKEWPARAM(7, BN_CLICKED), 0), 1);
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_COMMAND, MAKEWPARAM(7, BN_SETFOCUS), 0), 2);
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_COMMAND, MAKEWPARAM(8, BN_CLICKED), 0), 2);
+  EXPECT_EQ(probe.calls, (std::vector<std::wstring>{L"A", L"any:7", L"any:8"}));
+
+  // Declined everywhere, the message reaches DefWindowProc, which knows the text.
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_GETTEXTLENGTH, 0, 0), 10);
+  // A throwing handler never leaves the window procedure.
+  EXPECT_EQ(::SendMessageW(probe.m_hWnd, WM_USER + 2, 0, 0), 0);
+
+  CProbe second;  // the class is registered once and shared
+  ASSERT_NE(second.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW), nullptr);
+  ::DestroyWindow(probe.m_hWnd);
+  EXPECT_TRUE(probe.finalSeen);
+  EXPECT_EQ(probe.m_hWnd, nullptr);
+  EXPECT_TRUE(second.IsWindow());
+}
+
+TEST(Window, DestroyedObjectTakesItsWindowAlong) {
+  HWND window = nullptr;
+  {
+    CProbe probe;
+    window = probe.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW);
+    ASSERT_NE(window, nullptr);
+  }
+  EXPECT_FALSE(::IsWindow(window));
+}
+
+TEST(SubclassWindow, SeesMessagesAndLetsGoOfADyingWindow) {
+  CProbe target;
+  ASSERT_NE(target.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW), nullptr);
+  int owner = 0;
+  CSpy spy;
+  ASSERT_TRUE(spy.Subclass(target.m_hWnd, &owner));
+  EXPECT_EQ(spy.GetOwner(), &owner);
+  EXPECT_EQ(::SendMessageW(target.m_hWnd, WM_USER + 5, 0, 0), 5);
+  EXPECT_EQ(spy.seen, 1);
+  // Messages the subclass leaves alone still reach the window's own map.
+  EXPECT_EQ(::SendMessageW(target.m_hWnd, WM_USER + 1, 0, 0), 42);
+
+  spy.Unsubclass();
+  EXPECT_EQ(::SendMessageW(target.m_hWnd, WM_USER + 5, 0, 0), 0);
+  EXPECT_EQ(spy.seen, 1);
+
+  ASSERT_TRUE(spy.Subclass(target.m_hWnd, &owner));
+  const HWND window = target.m_hWnd;
+  ::DestroyWindow(window);
+  EXPECT_FALSE(spy.IsSubclassed()) << "the subclass goes with WM_NCDESTROY";
+  EXPECT_EQ(spy.GetHwnd(), window) << "the handle stays held for the owner's rules";
+  spy.Unsubclass();  // and a later unsubclass of a dead window is harmless
+  EXPECT_EQ(spy.GetHwnd(), nullptr);
+}
