@@ -11,6 +11,7 @@ packages=(
   fonts-wqy-microhei
   googletest
   clang libclang-rt-dev
+  librsvg2-bin
 )
 
 missing=()
