@@ -1,0 +1,23 @@
+#pragma once
+// Pictures for painting: a PNG loaded once into a premultiplied 32-bit DIB section, drawn with its
+// per-pixel transparency by AlphaBlend. The file is not kept open, so it can be re-rendered while
+// a button shows the old picture.
+#include <windows.h>
+
+#include <string>
+
+#include "platform/handles.h"
+
+namespace imageutil {
+
+// Top-down 32-bit DIB section with premultiplied alpha; null when the file cannot be loaded.
+corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path);
+
+// Width and height of a bitmap; {0, 0} for null.
+SIZE GetBitmapSize(HBITMAP bitmap) noexcept;
+
+// Draws a picture from LoadPngBitmap at the top-left of area, at its own size and clipped to area,
+// blending it over what dc already holds. False when nothing could be drawn.
+bool DrawPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept;
+
+}  // namespace imageutil
