@@ -1,0 +1,87 @@
+// A stand-in host process for Corvane.dll's host check. Copies of this program run under the names
+// the check decides on (explorer.exe, regsvr32.exe, other names); each loads the DLL given on its
+// command line and, once loaded, calls the class-factory and registration entry points, then frees it.
+// Output, one "key=value" per line in UTF-8:
+//   host=<path this process reports for itself>
+//   load=ok | load=failed error=<Win32 error>
+//   DllGetClassObject=0x........ object=null|set, DllCanUnloadNow=0x........, DllRegisterServer=0x........
+//   free=ok | free=failed
+// Exit code: 0 loaded and freed, 2 the load failed, 3 an entry point is missing or the free failed,
+// 1 bad usage.
+#include <windows.h>
+#include <unknwn.h>
+
+#include <cstdio>
+#include <string>
+
+#include "platform/handles.h"
+
+namespace {
+
+// Never served by the module.
+constexpr CLSID kUnknownClsid = {0x0badc0de, 0x1234, 0x4abc, {0x9d, 0xef, 0x01, 0x23, 0x45, 0x67, 0x89, 0xab}};
+
+void Print(const std::string& line) {
+  const std::string withEnd = line + "\n";
+  DWORD written = 0;
+  ::WriteFile(::GetStdHandle(STD_OUTPUT_HANDLE), withEnd.data(), static_cast<DWORD>(withEnd.size()), &written, nullptr);
+}
+
+std::string Utf8(const std::wstring& text) {
+  if (text.empty()) return std::string();
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+  std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
+  return out;
+}
+
+std::string Hex(HRESULT hr) {
+  char text[16] = {};
+  std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
+  return text;
+}
+
+template <class Fn>
+Fn Export(HMODULE module, const char* name) {
+  return reinterpret_cast<Fn>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
+}
+
+}  // namespace
+
+int wmain(int argc, wchar_t** argv) {
+  if (argc != 2) {
+    Print("usage: <host>.exe <full path of the DLL>");
+    return 1;
+  }
+  wchar_t self[MAX_PATH] = {};
+  ::GetModuleFileNameW(nullptr, self, MAX_PATH);
+  Print("host=" + Utf8(self));
+
+  corvane::unique_hmodule library(::LoadLibraryW(argv[1]));
+  if (!library) {
+    Print("load=failed error=" + std::to_string(::GetLastError()));
+    return 2;
+  }
+  Print("load=ok");
+
+  using GetClassObjectFn = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
+  using NoArgumentFn = HRESULT(WINAPI*)();
+  const auto getClassObject = Export<GetClassObjectFn>(library.get(), "DllGetClassObject");
+  const auto canUnloadNow = Export<NoArgumentFn>(library.get(), "DllCanUnloadNow");
+  const auto registerServer = Export<NoArgumentFn>(library.get(), "DllRegisterServer");
+  if (getClassObject == nullptr || canUnloadNow == nullptr || registerServer == nullptr) {
+    Print("missing export");
+    return 3;
+  }
+  // A sentinel that a well-behaved refusal overwrites with null.
+  void* object = &object;
+  const HRESULT classResult = getClassObject(kUnknownClsid, IID_IClassFactory, &object);
+  Print("DllGetClassObject=" + Hex(classResult) + " object=" + (object == nullptr ? "null" : "set"));
+  Print("DllCanUnloadNow=" + Hex(canUnloadNow()));
+  Print("DllRegisterServer=" + Hex(registerServer()));
+
+  // The free is what is being observed here, so its result is reported rather than left to the owner.
+  const bool freed = ::FreeLibrary(library.release()) != FALSE;
+  Print(freed ? "free=ok" : "free=failed");
+  return freed ? 0 : 3;
+}
