@@ -1,0 +1,70 @@
+// Where the logger puts its file when no folder is given explicitly.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "log/logger.h"
+#include "log_files.h"
+
+namespace {
+
+std::wstring ProgramPath() {
+  wchar_t self[MAX_PATH] = {};
+  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
+  return std::wstring(self, length);
+}
+
+// Deletes the process-wide logger and its file however the test ends.
+struct GlobalLoggerCleanup {
+  std::wstring file;
+  ~GlobalLoggerCleanup() {
+    delete g_pLogger;
+    g_pLogger = nullptr;
+    if (!file.empty()) ::DeleteFileW(file.c_str());
+  }
+};
+
+TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
+  ASSERT_EQ(g_pLogger, nullptr);
+  GlobalLoggerCleanup cleanup;
+  InitLogger();
+  ASSERT_NE(g_pLogger, nullptr);
+  cleanup.file = g_pLogger->Path();
+
+  // This program runs from <client>\shell, like the DLL.
+  const std::filesystem::path client = std::filesystem::path(ProgramPath()).parent_path().parent_path();
+  EXPECT_EQ(g_pLogger->Folder(), (client / L"log" / L"Corvane").wstring() + L"\\");
+  const std::wstring path = g_pLogger->Path();
+  EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(path), L"Corvane", 1)) << testing::PrintToString(path);
+
+  const std::wstring line = std::to_wstring(__LINE__); LOG_INFO(L"InitLoggerTest", L"client folder %s", L"ok");
+  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(path));
+  ASSERT_EQ(lines.size(), 1u);
+  logtest::LogLine parsed;
+  ASSERT_TRUE(logtest::ParseLogLine(lines[0], parsed)) << testing::PrintToString(lines[0]);
+  EXPECT_EQ(parsed.tag, L"Info");
+  EXPECT_EQ(parsed.file, L"init_logger_test.cpp") << "the macro shows the source file's own name";
+  EXPECT_EQ(parsed.line, line);
+  EXPECT_EQ(parsed.function, L"InitLoggerTest");
+  EXPECT_EQ(parsed.message, L"client folder ok");
+
+  delete g_pLogger;
+  g_pLogger = nullptr;
+  LOG_INFO(L"InitLoggerTest", L"after deletion");
+  LOG_DEBUG(L"InitLoggerTest", L"after deletion");
+  EXPECT_EQ(logtest::SplitCrLf(logtest::ReadUtf16(path)).size(), 1u);
+}
+
+TEST(LoggerFolder, AnEmptyFolderMeansTheProgramsOwnFolder) {
+  auto logger = std::make_unique<LOGGER::CLogger>(4, L"", L"EmptyFolder");
+  const std::wstring path = logger->Path();
+  const std::wstring program = ProgramPath();
+  EXPECT_EQ(logger->Folder(), program.substr(0, program.rfind(L'\\') + 1));
+  EXPECT_TRUE(logtest::FileExists(path));
+  logger.reset();
+  ::DeleteFileW(path.c_str());
+}
+
+}  // namespace

@@ -1,0 +1,222 @@
+#include "log_files.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/handles.h"
+
+namespace logtest {
+
+namespace {
+
+std::atomic<int> g_folderCount{0};
+
+corvane::unique_file OpenShared(const std::wstring& path, DWORD access, DWORD disposition) {
+  return corvane::unique_file(::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                            nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+void WriteAll(HANDLE file, const void* data, size_t size) {
+  const auto* bytes = static_cast<const std::uint8_t*>(data);
+  while (size > 0) {
+    DWORD written = 0;
+    const DWORD chunk = size > (1u << 20) ? (1u << 20) : static_cast<DWORD>(size);
+    ASSERT_TRUE(::WriteFile(file, bytes, chunk, &written, nullptr)) << ::GetLastError();
+    ASSERT_GT(written, 0u);
+    bytes += written;
+    size -= written;
+  }
+}
+
+bool AllDigits(const std::wstring& text, size_t from, size_t count) {
+  if (from + count > text.size()) return false;
+  for (size_t i = from; i < from + count; ++i) {
+    if (text[i] < L'0' || text[i] > L'9') return false;
+  }
+  return true;
+}
+
+std::int64_t Number(const std::wstring& text, size_t from, size_t count) {
+  std::int64_t value = 0;
+  for (size_t i = from; i < from + count; ++i) value = value * 10 + (text[i] - L'0');
+  return value;
+}
+
+bool IsUpperGuid(const std::wstring& text, size_t from) {
+  if (from + 36 > text.size()) return false;
+  for (size_t i = 0; i < 36; ++i) {
+    const wchar_t c = text[from + i];
+    const bool hyphen = i == 8 || i == 13 || i == 18 || i == 23;
+    if (hyphen ? c != L'-' : !((c >= L'0' && c <= L'9') || (c >= L'A' && c <= L'F'))) return false;
+  }
+  return true;
+}
+
+// Text up to the next ']' starting after an expected '['; advances past the ']'.
+bool Bracketed(const std::wstring& text, size_t& pos, std::wstring& out) {
+  if (pos >= text.size() || text[pos] != L'[') return false;
+  const size_t close = text.find(L']', pos + 1);
+  if (close == std::wstring::npos) return false;
+  out = text.substr(pos + 1, close - pos - 1);
+  pos = close + 1;
+  return true;
+}
+
+}  // namespace
+
+TempFolder::TempFolder() {
+  wchar_t temp[MAX_PATH] = {};
+  ::GetTempPathW(MAX_PATH, temp);
+  // Short names: the logger's retry names grow by 55 characters at a time.
+  m_path = std::wstring(temp) + L"cv" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
+           std::to_wstring(g_folderCount.fetch_add(1));
+  std::error_code error;
+  std::filesystem::remove_all(m_path, error);
+  std::filesystem::create_directories(m_path, error);
+  EXPECT_FALSE(error) << error.message();
+}
+
+TempFolder::~TempFolder() {
+  std::error_code error;
+  std::filesystem::remove_all(m_path, error);
+}
+
+bool FileExists(const std::wstring& path) {
+  const DWORD attributes = ::GetFileAttributesW(path.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+std::vector<std::wstring> FilesIn(const std::wstring& folder) {
+  std::vector<std::wstring> names;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    if (entry.is_regular_file()) names.push_back(entry.path().filename().wstring());
+  }
+  return names;
+}
+
+std::int64_t FileSize(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  if (!::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data)) return -1;
+  return (static_cast<std::int64_t>(data.nFileSizeHigh) << 32) | data.nFileSizeLow;
+}
+
+std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional) {
+  const corvane::unique_file file = OpenShared(path, GENERIC_READ, OPEN_EXISTING);
+  EXPECT_TRUE(file || optional) << "cannot open " << testing::PrintToString(path) << ": " << ::GetLastError();
+  std::vector<std::uint8_t> bytes;
+  if (!file) return bytes;
+  std::uint8_t buffer[65536];
+  DWORD read = 0;
+  while (::ReadFile(file.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
+    bytes.insert(bytes.end(), buffer, buffer + read);
+  }
+  return bytes;
+}
+
+std::wstring ReadUtf16(const std::wstring& path, bool optional) {
+  const std::vector<std::uint8_t> bytes = ReadBytes(path, optional);
+  EXPECT_EQ(bytes.size() % 2, 0u) << testing::PrintToString(path);
+  std::wstring text(bytes.size() / 2, L'\0');
+  for (size_t i = 0; i < text.size(); ++i) {
+    text[i] = static_cast<wchar_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
+  }
+  return text;
+}
+
+std::vector<std::wstring> SplitCrLf(const std::wstring& text) {
+  std::vector<std::wstring> lines;
+  size_t start = 0;
+  while (start < text.size()) {
+    const size_t end = text.find(L"\r\n", start);
+    if (end == std::wstring::npos) {
+      lines.push_back(text.substr(start));
+      break;
+    }
+    lines.push_back(text.substr(start, end - start));
+    start = end + 2;
+  }
+  return lines;
+}
+
+void WriteUtf16(const std::wstring& path, const std::wstring& text) {
+  const corvane::unique_file file = OpenShared(path, GENERIC_WRITE, CREATE_ALWAYS);
+  ASSERT_TRUE(file) << ::GetLastError();
+  std::vector<std::uint8_t> bytes;
+  for (wchar_t c : text) {
+    bytes.push_back(static_cast<std::uint8_t>(c & 0xFF));
+    bytes.push_back(static_cast<std::uint8_t>(c >> 8));
+  }
+  WriteAll(file.get(), bytes.data(), bytes.size());
+}
+
+void FillTo(const std::wstring& path, std::int64_t size) {
+  const std::int64_t missing = size - FileSize(path);
+  ASSERT_GE(missing, 4) << "too little room for a filler line";
+  ASSERT_EQ(missing % 2, 0);
+  const corvane::unique_file file = OpenShared(path, FILE_APPEND_DATA, OPEN_EXISTING);
+  ASSERT_TRUE(file) << ::GetLastError();
+  std::vector<std::uint8_t> bytes(static_cast<size_t>(missing), 0);
+  for (size_t i = 0; i + 1 < bytes.size(); i += 2) bytes[i] = '#';
+  // The filler is one valid line: '#' characters, then CR LF.
+  bytes[bytes.size() - 4] = '\r';
+  bytes[bytes.size() - 2] = '\n';
+  WriteAll(file.get(), bytes.data(), bytes.size());
+}
+
+std::int64_t LocalStamp() {
+  SYSTEMTIME now{};
+  ::GetLocalTime(&now);
+  return ((((now.wYear * 100LL + now.wMonth) * 100 + now.wDay) * 100 + now.wHour) * 100 + now.wMinute) * 100 +
+         now.wSecond;
+}
+
+bool ParseLogLine(const std::wstring& text, LogLine& out) {
+  size_t pos = 0;
+  std::wstring time, location;
+  if (!Bracketed(text, pos, out.tag) || !Bracketed(text, pos, time) || !Bracketed(text, pos, location) ||
+      !Bracketed(text, pos, out.thread) || !Bracketed(text, pos, out.function)) {
+    return false;
+  }
+  out.message = text.substr(pos);
+  // YYYY-MM-DD hh:mm:ss.uuuuuu
+  if (time.size() != 26 || !AllDigits(time, 0, 4) || time[4] != L'-' || !AllDigits(time, 5, 2) || time[7] != L'-' ||
+      !AllDigits(time, 8, 2) || time[10] != L' ' || !AllDigits(time, 11, 2) || time[13] != L':' ||
+      !AllDigits(time, 14, 2) || time[16] != L':' || !AllDigits(time, 17, 2) || time[19] != L'.' ||
+      !AllDigits(time, 20, 6)) {
+    return false;
+  }
+  out.stamp = Number(time, 0, 4);
+  for (size_t at : {5, 8, 11, 14, 17}) out.stamp = out.stamp * 100 + Number(time, at, 2);
+  out.micros = static_cast<int>(Number(time, 20, 6));
+  const size_t colon = location.rfind(L':');
+  if (colon == std::wstring::npos) return false;
+  out.file = location.substr(0, colon);
+  out.line = location.substr(colon + 1);
+  return !out.line.empty() && AllDigits(out.line, 0, out.line.size()) && !out.thread.empty() &&
+         AllDigits(out.thread, 0, out.thread.size());
+}
+
+bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts) {
+  constexpr size_t kPart = 14 + 1 + 36 + 4;
+  if (name.size() != prefix.size() + kPart * static_cast<size_t>(parts) || name.compare(0, prefix.size(), prefix) != 0) {
+    return false;
+  }
+  for (size_t at = prefix.size(); at < name.size(); at += kPart) {
+    if (!AllDigits(name, at, 14) || name[at + 14] != L'_' || !IsUpperGuid(name, at + 15) ||
+        name.compare(at + 51, 4, L".log") != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::wstring FileNameOf(const std::wstring& path) {
+  const size_t slash = path.rfind(L'\\');
+  return slash == std::wstring::npos ? path : path.substr(slash + 1);
+}
+
+}  // namespace logtest

@@ -1,0 +1,66 @@
+#pragma once
+// Files and folders for the logger tests: a fresh folder per test, and the log read back the way
+// another process would see it while the logger still holds it open.
+#include <windows.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace logtest {
+
+// A new, empty folder under the temporary folder, deleted with everything in it at the end.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  // Full path, without a trailing backslash.
+  const std::wstring& Path() const noexcept { return m_path; }
+
+ private:
+  std::wstring m_path;
+};
+
+bool FileExists(const std::wstring& path);
+std::vector<std::wstring> FilesIn(const std::wstring& folder);
+
+std::int64_t FileSize(const std::wstring& path);
+// A missing file fails the calling test unless it is `optional` (another process may delete it).
+std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional = false);
+// The file as UTF-16LE code units (an odd byte count fails the calling test).
+std::wstring ReadUtf16(const std::wstring& path, bool optional = false);
+// Lines ended by CR LF; text after the last CR LF is returned as a last, unterminated line.
+std::vector<std::wstring> SplitCrLf(const std::wstring& text);
+// Writes a file of UTF-16LE text, replacing what was there.
+void WriteUtf16(const std::wstring& path, const std::wstring& text);
+// Appends UTF-16LE filler lines through a handle of its own until the file has `size` bytes.
+void FillTo(const std::wstring& path, std::int64_t size);
+
+// Local time as one number, yyyymmddhhmmss.
+std::int64_t LocalStamp();
+
+// One log line split into its parts.
+struct LogLine {
+  std::wstring tag;
+  std::int64_t stamp = 0;  // yyyymmddhhmmss
+  int micros = -1;
+  std::wstring file;
+  std::wstring line;
+  std::wstring thread;
+  std::wstring function;
+  std::wstring message;
+};
+// Parses "[Tag][YYYY-MM-DD hh:mm:ss.uuuuuu][file:LINE][TID][Function]message"; false if the shape
+// is anything else.
+bool ParseLogLine(const std::wstring& text, LogLine& out);
+
+// True when the file name is <prefix><14 digits>_<36-character upper-case GUID>.log repeated
+// `parts` times after the prefix.
+bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts);
+
+std::wstring FileNameOf(const std::wstring& path);
+
+}  // namespace logtest

@@ -1,0 +1,141 @@
+// Rotation at 5 MiB, alone and with several threads writing through it.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "log/logger.h"
+#include "log_files.h"
+
+namespace {
+
+constexpr std::int64_t kLimit = 5242880;
+
+std::vector<std::wstring> Messages(const std::wstring& path) {
+  std::vector<std::wstring> messages;
+  for (const auto& text : logtest::SplitCrLf(logtest::ReadUtf16(path))) {
+    logtest::LogLine line;
+    messages.push_back(logtest::ParseLogLine(text, line) ? line.message : (text.empty() || text[0] != L'#' ? text : L"#"));
+  }
+  return messages;
+}
+
+using Strings = std::vector<std::wstring>;
+
+wchar_t PayloadLetter(int thread, int index) { return static_cast<wchar_t>(L'a' + (thread * 7 + index) % 26); }
+
+// "T<thread> L<index> <payload>"
+bool SplitWriterMessage(const std::wstring& message, int& thread, int& index, std::wstring_view& payload) {
+  const size_t first = message.find(L' ');
+  if (message.size() < 2 || message[0] != L'T' || first == std::wstring::npos || first + 1 >= message.size() ||
+      message[first + 1] != L'L') {
+    return false;
+  }
+  const size_t second = message.find(L' ', first + 1);
+  if (second == std::wstring::npos) return false;
+  try {
+    thread = std::stoi(message.substr(1, first - 1));
+    index = std::stoi(message.substr(first + 2, second - first - 2));
+  } catch (...) {
+    return false;
+  }
+  payload = std::wstring_view(message).substr(second + 1);
+  return true;
+}
+
+TEST(LoggerRotation, AtTheLimitTheNextLineStartsAFreshFile) {
+  const struct {
+    std::int64_t fillTo;
+    bool rotatesAtOnce;
+  } cases[] = {{kLimit - 2, false}, {kLimit, true}, {kLimit + 1000, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.fillTo);
+    logtest::TempFolder temp;
+    LOGGER::CLogger logger(4, temp.Path(), L"Corvane");
+    const std::wstring path = logger.Path();
+    logtest::WriteUtf16(path + L".1", L"old one\r\n");
+    logtest::WriteUtf16(path + L".2", L"old two\r\n");
+
+    logger.Info(1, L"r.cpp", L"F", L"A");
+    EXPECT_EQ(Messages(path), (Strings{L"A"}));
+    logtest::FillTo(path, c.fillTo);
+    logger.Info(2, L"r.cpp", L"F", L"B");
+    if (!c.rotatesAtOnce) {
+      EXPECT_EQ(Messages(path), (Strings{L"A", L"#", L"B"})) << "below the limit nothing moves";
+      EXPECT_EQ(Messages(path + L".1"), (Strings{L"old one"}));
+      EXPECT_EQ(Messages(path + L".2"), (Strings{L"old two"}));
+      logger.Info(3, L"r.cpp", L"F", L"C");
+      EXPECT_EQ(Messages(path), (Strings{L"C"}));
+      EXPECT_EQ(Messages(path + L".1"), (Strings{L"A", L"#", L"B"}));
+    } else {
+      EXPECT_EQ(Messages(path), (Strings{L"B"}));
+      EXPECT_EQ(Messages(path + L".1"), (Strings{L"A", L"#"}));
+      EXPECT_EQ(logtest::FileSize(path + L".1"), c.fillTo);
+    }
+    EXPECT_EQ(logger.Path(), path) << "the current file keeps its name";
+    EXPECT_EQ(Messages(path + L".2"), (Strings{L"old one"}));
+    EXPECT_FALSE(logtest::FileExists(path + L".3"));
+    EXPECT_EQ(logtest::FilesIn(temp.Path()).size(), 3u);
+  }
+}
+
+TEST(LoggerRotation, NoLineLostOrTornAcrossRotationsUnderThreads) {
+  logtest::TempFolder temp;
+  LOGGER::CLogger logger(4, temp.Path(), L"Corvane");
+  const std::wstring path = logger.Path();
+  // Room for about 60 lines before the first rotation; the run then fills a whole file and rotates again.
+  constexpr int kThreads = 4, kLines = 360, kPayload = 2000;
+  logtest::FillTo(path, kLimit - 256 * 1024);
+
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < kLines; ++i) {
+        const std::wstring payload(kPayload, PayloadLetter(t, i));
+        logger.Info(static_cast<std::uint32_t>(i), L"mt.cpp", L"Writer", L"T%d L%d %s", t, i, payload.c_str());
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+
+  std::map<std::pair<int, int>, int> seen;
+  int fillers = 0, bad = 0;
+  std::map<std::wstring, int> perFile;
+  const std::wstring files[] = {path + L".2", path + L".1", path};
+  for (const std::wstring& file : files) {
+    ASSERT_TRUE(logtest::FileExists(file)) << "two rotations expected";
+    for (const std::wstring& message : Messages(file)) {
+      if (message == L"#") {
+        ++fillers;
+        continue;
+      }
+      int t = -1, i = -1;
+      std::wstring_view payload;
+      if (!SplitWriterMessage(message, t, i, payload) || t < 0 || t >= kThreads || i < 0 || i >= kLines ||
+          payload.size() != kPayload || payload.find_first_not_of(PayloadLetter(t, i)) != std::wstring_view::npos) {
+        if (++bad <= 3) {
+          ADD_FAILURE() << "torn line of " << message.size() << " characters: "
+                        << testing::PrintToString(message.substr(0, 80));
+        }
+        continue;
+      }
+      ++seen[{t, i}];
+      ++perFile[file];
+    }
+  }
+  EXPECT_EQ(fillers, 1);
+  EXPECT_EQ(bad, 0);
+  EXPECT_EQ(seen.size(), static_cast<size_t>(kThreads * kLines));
+  for (const auto& [key, count] : seen) {
+    if (count != 1) ADD_FAILURE() << "T" << key.first << " L" << key.second << " written " << count << " times";
+  }
+  // Lines landed in all three files, so both rotations happened while the threads wrote.
+  EXPECT_EQ(perFile.size(), 3u);
+  EXPECT_LT(logtest::FileSize(path), kLimit);
+  EXPECT_GE(logtest::FileSize(path + L".1"), kLimit);
+}
+
+}  // namespace
