@@ -1,0 +1,81 @@
+#include "host_process.h"
+
+#include <gtest/gtest.h>
+
+
+#include "platform/handles.h"
+
+namespace moduletest {
+
+namespace {
+
+std::wstring FromUtf8(const std::string& text) {
+  if (text.empty()) return std::wstring();
+  const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring out(static_cast<size_t>(size > 0 ? size : 0), L'\0');
+  ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
+  return out;
+}
+
+}  // namespace
+
+HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
+  HostRun run;
+  SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+  corvane::unique_handle readEnd, writeEnd;
+  if (!::CreatePipe(readEnd.put(), writeEnd.put(), &inherit, 0)) {
+    ADD_FAILURE() << "CreatePipe: " << ::GetLastError();
+    return run;
+  }
+  ::SetHandleInformation(readEnd.get(), HANDLE_FLAG_INHERIT, 0);
+
+  STARTUPINFOW startup{sizeof startup};
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = writeEnd.get();
+  startup.hStdError = writeEnd.get();
+  std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"";
+  PROCESS_INFORMATION info{};
+  if (!::CreateProcessW(host.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
+                        &startup, &info)) {
+    ADD_FAILURE() << "CreateProcess " << testing::PrintToString(host) << ": " << ::GetLastError();
+    return run;
+  }
+  const corvane::unique_handle process(info.hProcess);
+  const corvane::unique_handle thread(info.hThread);
+  // Only the child holds the write end now, so the pipe ends when it exits.
+  writeEnd.reset();
+
+  // The output is a few hundred bytes, far below the pipe's buffer: waiting first cannot block the child.
+  if (::WaitForSingleObject(process.get(), 20000) != WAIT_OBJECT_0) {
+    ::TerminateProcess(process.get(), 99);
+    ADD_FAILURE() << testing::PrintToString(host) << " did not finish";
+    return run;
+  }
+  ::GetExitCodeProcess(process.get(), &run.exitCode);
+  run.finished = true;
+
+  std::string bytes;
+  char buffer[4096];
+  DWORD read = 0;
+  while (::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) bytes.append(buffer, read);
+  run.output = FromUtf8(bytes);
+  size_t start = 0;
+  while (start < run.output.size()) {
+    size_t end = run.output.find(L'\n', start);
+    if (end == std::wstring::npos) end = run.output.size();
+    const std::wstring line = run.output.substr(start, end - start);
+    const size_t equals = line.find(L'=');
+    if (equals != std::wstring::npos) run.values[line.substr(0, equals)] = line.substr(equals + 1);
+    start = end + 1;
+  }
+  return run;
+}
+
+std::wstring ProgramFolder() {
+  wchar_t self[MAX_PATH] = {};
+  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
+  const std::wstring path(self, length);
+  return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+}  // namespace moduletest

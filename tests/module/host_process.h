@@ -1,0 +1,24 @@
+#pragma once
+// Runs a copy of the host stand-in on the built DLL.
+#include <windows.h>
+
+#include <map>
+#include <string>
+
+namespace moduletest {
+
+struct HostRun {
+  DWORD exitCode = 0;
+  bool finished = false;
+  // "key=value" lines of the host's output, split at the first '='.
+  std::map<std::wstring, std::wstring> values;
+  std::wstring output;
+};
+
+// Starts `host` with the DLL path as its argument and waits for it (a few seconds at most).
+HostRun RunHost(const std::wstring& host, const std::wstring& dll);
+
+// The folder this test program runs from, ending in a backslash (the DLL lies here too).
+std::wstring ProgramFolder();
+
+}  // namespace moduletest
