@@ -12,8 +12,12 @@ wine=/usr/lib/wine/wine64
 [ -f "$WINEPREFIX/.corvane-ready" ] || "$here/wine-prefix.sh" "$WINEPREFIX"
 
 # Wine's helper processes outlive a program and would hold CTest's output pipes open:
-# keep the server and the services alive on their own, away from our streams.
-if wineserver -p </dev/null >/dev/null 2>&1; then
-  "$wine" cmd /c exit 0 </dev/null >/dev/null 2>&1 || true
+# keep the server and the services alive on their own, away from our streams. The lock makes a
+# second program wait until the first has started both; the helpers must not inherit it.
+exec 8>"$WINEPREFIX.server.lock"
+flock 8
+if wineserver -p </dev/null >/dev/null 2>&1 8>&-; then
+  "$wine" cmd /c exit 0 </dev/null >/dev/null 2>&1 8>&- || true
 fi
+exec 8>&-
 exec "$wine" "$@"
