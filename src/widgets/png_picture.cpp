@@ -1,0 +1,46 @@
+#include "widgets/png_picture.h"
+
+#include <algorithm>
+
+#include "widgets/image_file.h"
+
+namespace imageutil {
+
+corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
+  CImageFile file;
+  if (!file.Open(path)) return {};
+  const int width = static_cast<int>(file.Width()), height = static_cast<int>(file.Height());
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof(info.bmiHeader);
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;  // top-down, the row order GDI+ hands out
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  info.bmiHeader.biCompression = BI_RGB;
+  void* bits = nullptr;
+  corvane::unique_hbitmap picture(::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!picture || bits == nullptr) return {};
+  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours.
+  if (!file.CopyPixels(PixelFormat32bppPARGB, bits, width * 4)) return {};
+  return picture;
+}
+
+SIZE GetBitmapSize(HBITMAP bitmap) noexcept {
+  BITMAP info{};
+  if (bitmap == nullptr || ::GetObjectW(bitmap, sizeof(info), &info) != sizeof(info)) return SIZE{0, 0};
+  return SIZE{info.bmWidth, info.bmHeight < 0 ? -info.bmHeight : info.bmHeight};
+}
+
+bool DrawPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept {
+  const SIZE size = GetBitmapSize(picture);
+  const int width = std::min<int>(size.cx, area.right - area.left);
+  const int height = std::min<int>(size.cy, area.bottom - area.top);
+  if (dc == nullptr || width <= 0 || height <= 0) return false;
+  const corvane::unique_hdc source(::CreateCompatibleDC(dc));
+  if (!source) return false;
+  const corvane::scoped_select selected(source.get(), picture);
+  const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
+  return ::AlphaBlend(dc, area.left, area.top, width, height, source.get(), 0, 0, width, height, blend) != FALSE;
+}
+
+}  // namespace imageutil
