@@ -13,6 +13,7 @@
 #include <string>
 
 #include "client/theme.h"
+#include "platform/handles.h"
 #include "platform/window.h"
 
 namespace widgets {
