@@ -6,6 +6,7 @@
 
 #include "platform/handles.h"
 #include "widgets/default_tool_button.h"
+#include "widgets/font_maker.h"
 
 namespace widgets {
 
@@ -66,16 +67,16 @@ bool Render(void* bits, int width, int height, int state, const std::wstring& te
   }
 
   if (!text.empty()) {
-    const Gdiplus::Font font(L"Microsoft YaHei", 10.0f, Gdiplus::FontStyleRegular, Gdiplus::UnitPoint);
+    const auto font = imageutil::MakeFont(L"Microsoft YaHei", 10.0f, Gdiplus::FontStyleRegular, Gdiplus::UnitPoint);
     Gdiplus::StringFormat format;
     format.SetAlignment(Gdiplus::StringAlignmentCenter);
     format.SetLineAlignment(Gdiplus::StringAlignmentCenter);
     format.SetFormatFlags(Gdiplus::StringFormatFlagsNoWrap);
     format.SetTrimming(Gdiplus::StringTrimmingEllipsisCharacter);
     const Gdiplus::SolidBrush ink(Opaque(foreground));
-    if (font.GetLastStatus() == Ok && format.GetLastStatus() == Ok) {
+    if (font && format.GetLastStatus() == Ok) {
       const Gdiplus::RectF layout(0.0f, 0.0f, static_cast<Gdiplus::REAL>(width), static_cast<Gdiplus::REAL>(height));
-      graphics.DrawString(text.c_str(), -1, &font, layout, &format, &ink);
+      graphics.DrawString(text.c_str(), -1, font.get(), layout, &format, &ink);
     }
   }
   graphics.Flush(Gdiplus::FlushIntentionSync);

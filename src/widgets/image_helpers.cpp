@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "client/registry.h"
+#include "widgets/font_maker.h"
 #include "widgets/image_file.h"
 
 namespace imageutil {
@@ -83,11 +84,11 @@ bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
   if (probe.GetLastStatus() != Ok) return false;
   Gdiplus::Graphics measure(&probe);
   if (measure.GetLastStatus() != Ok) return false;
-  const Gdiplus::Font font(style.fontName.c_str(), static_cast<Gdiplus::REAL>(emSize), style.fontStyle,
-                           Gdiplus::UnitPixel);
-  if (font.GetLastStatus() != Ok) return false;
+  const std::unique_ptr<Gdiplus::Font> font =
+      MakeFont(style.fontName, static_cast<Gdiplus::REAL>(emSize), style.fontStyle, Gdiplus::UnitPixel);
+  if (!font) return false;
   Gdiplus::RectF bounds;
-  if (measure.MeasureString(style.text.c_str(), -1, &font, Gdiplus::PointF(0.0f, 0.0f), &bounds) != Ok) return false;
+  if (measure.MeasureString(style.text.c_str(), -1, font.get(), Gdiplus::PointF(0.0f, 0.0f), &bounds) != Ok) return false;
 
   const INT width = static_cast<INT>(std::ceil(bounds.Width + style.padX));
   const INT height = static_cast<INT>(std::ceil(bounds.Height + style.padY));
@@ -96,7 +97,7 @@ bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
   if (canvas.graphics->SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAlias) != Ok) return false;
   const Gdiplus::SolidBrush brush{Gdiplus::Color(style.color)};
   if (brush.GetLastStatus() != Ok) return false;
-  if (canvas.graphics->DrawString(style.text.c_str(), -1, &font, Gdiplus::PointF(style.padX, style.padY), &brush) !=
+  if (canvas.graphics->DrawString(style.text.c_str(), -1, font.get(), Gdiplus::PointF(style.padX, style.padY), &brush) !=
       Ok) {
     return false;
   }

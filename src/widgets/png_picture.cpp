@@ -1,15 +1,15 @@
 #include "widgets/png_picture.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "widgets/image_file.h"
 
 namespace imageutil {
 
-corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
-  CImageFile file;
-  if (!file.Open(path)) return {};
-  const int width = static_cast<int>(file.Width()), height = static_cast<int>(file.Height());
+namespace {
+
+corvane::unique_hbitmap CreateTopDownDib(int width, int height, void*& bits) {
   BITMAPINFO info{};
   info.bmiHeader.biSize = sizeof(info.bmiHeader);
   info.bmiHeader.biWidth = width;
@@ -17,12 +17,39 @@ corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
   info.bmiHeader.biPlanes = 1;
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
+  bits = nullptr;
   corvane::unique_hbitmap picture(::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
   if (!picture || bits == nullptr) return {};
+  return picture;
+}
+
+}  // namespace
+
+corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
+  CImageFile file;
+  if (!file.Open(path)) return {};
+  const int width = static_cast<int>(file.Width()), height = static_cast<int>(file.Height());
+  void* bits = nullptr;
+  corvane::unique_hbitmap picture = CreateTopDownDib(width, height, bits);
+  if (!picture) return {};
   // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours.
   if (!file.CopyPixels(PixelFormat32bppPARGB, bits, width * 4)) return {};
   return picture;
+}
+
+corvane::unique_hbitmap CopyPngBitmap(HBITMAP picture) {
+  DIBSECTION source{};
+  if (picture == nullptr || ::GetObjectW(picture, sizeof(source), &source) != sizeof(source) ||
+      source.dsBm.bmBits == nullptr || source.dsBm.bmBitsPixel != 32) {
+    return {};
+  }
+  const int width = source.dsBm.bmWidth, height = source.dsBm.bmHeight;
+  void* bits = nullptr;
+  corvane::unique_hbitmap copy = CreateTopDownDib(width, height, bits);
+  if (!copy) return {};
+  ::GdiFlush();
+  std::memcpy(bits, source.dsBm.bmBits, static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
+  return copy;
 }
 
 SIZE GetBitmapSize(HBITMAP bitmap) noexcept {

@@ -13,6 +13,9 @@ namespace imageutil {
 // Top-down 32-bit DIB section with premultiplied alpha; null when the file cannot be loaded.
 corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path);
 
+// A second, independent copy of a picture from LoadPngBitmap (cheaper than decoding the file again).
+corvane::unique_hbitmap CopyPngBitmap(HBITMAP picture);
+
 // Width and height of a bitmap; {0, 0} for null.
 SIZE GetBitmapSize(HBITMAP bitmap) noexcept;
 

@@ -4,6 +4,7 @@
 #include <windowsx.h>
 
 #include "platform/module_path.h"
+#include "widgets/font_maker.h"
 #include "widgets/png_picture.h"
 
 namespace {
@@ -44,9 +45,13 @@ bool CPngToolButton::SetImages(const std::wstring& normal, const std::wstring& h
     const std::wstring& path = *paths[slot];
     m_strImagePaths[slot] = ::PathIsRelativeW(path.c_str()) ? m_strBaseFolder + path : path;
   }
-  // Loaded after all paths are known: the same file in several slots is read once per slot, so each
-  // slot owns its own bitmap.
-  for (size_t slot = 0; slot < m_hImages.size(); ++slot) m_hImages[slot] = imageutil::LoadPngBitmap(m_strImagePaths[slot]);
+  // Most owners give one file to all four slots: it is decoded once and copied for the others.
+  for (size_t slot = 0; slot < m_hImages.size(); ++slot) {
+    size_t same = 0;
+    while (same < slot && m_strImagePaths[same] != m_strImagePaths[slot]) ++same;
+    m_hImages[slot] = same < slot ? imageutil::CopyPngBitmap(m_hImages[same].get())
+                                  : imageutil::LoadPngBitmap(m_strImagePaths[slot]);
+  }
   const SIZE size = imageutil::GetBitmapSize(m_hImages[kSlotNormal].get());
   m_nImageWidth = size.cx;
   m_nImageHeight = size.cy;
@@ -130,9 +135,7 @@ void CPngToolButton::Paint(HDC dc) {
 
 const Gdiplus::Font* CPngToolButton::CaptionFont() {
   if (!m_captionFont) {
-    auto font = std::make_unique<Gdiplus::Font>(m_strCaptionFontFamily.c_str(), m_fCaptionFontSize, m_nCaptionFontStyle);
-    if (font->GetLastStatus() != Gdiplus::Ok) return nullptr;
-    m_captionFont = std::move(font);
+    m_captionFont = imageutil::MakeFont(m_strCaptionFontFamily, m_fCaptionFontSize, m_nCaptionFontStyle, Gdiplus::UnitPoint);
   }
   return m_captionFont.get();
 }
