@@ -1,0 +1,43 @@
+#pragma once
+// The control channel's text commands, one per line, one reply line each: "ok", "ok <value>" or
+// "error <reason>". Ids are window ids from "open"; numbers may be decimal or 0x-hexadecimal.
+//
+//   open <location>                    → ok <id>       opens a window on its own thread
+//   navigate <id> <location>           → ok            returns after NavigateComplete2 was fired
+//   close <id>                         → ok            returns after the window's thread has ended
+//   hwnd <id> <part>                   → ok <handle>   part: frame band tab duiview directui
+//                                                      notifysink defview items status
+//   folder <id>                        → ok <name>     the folder shown (path, or "::{…}")
+//   move <id> <x> <y> / size <id> <w> <h> → ok         moves or resizes the frame
+//   post <id> <msg> <wparam> <lparam>  → ok            PostMessage to the frame
+//   send <id> <msg> <wparam> <lparam>  → ok <result>   SendMessage to the frame
+//   sync <id>                          → ok            returns once work queued before it has run
+//   windows                            → ok <id> ...
+//   sleep <ms>                         → ok
+//   quit                               → ok            closes every window, then the process ends
+//
+// For post and send, lparam may be "pidl:<location>": a fresh absolute PIDL made in the stand-in.
+// With send it is freed if the frame answers 0 (the receiver refused it) and otherwise left to the
+// receiver; with post the receiver owns it, and one that ignores the message leaks it.
+#include <string>
+
+#include "window_set.h"
+
+namespace explorer_standin {
+
+struct Reply {
+  std::wstring text;
+  bool quit = false;
+};
+
+class CommandInterpreter {
+ public:
+  explicit CommandInterpreter(WindowSet& windows) noexcept : m_windows(windows) {}
+
+  Reply Execute(const std::wstring& line);
+
+ private:
+  WindowSet& m_windows;
+};
+
+}  // namespace explorer_standin
