@@ -1,12 +1,10 @@
-#include <objidl.h>
-#include <gdiplus.h>
-
 #include <algorithm>
 #include <memory>
 
 #include "platform/handles.h"
 #include "widgets/default_tool_button.h"
 #include "widgets/font_maker.h"
+#include "widgets/gdiplus_headers.h"
 
 namespace widgets {
 

@@ -3,11 +3,11 @@
 // family becomes the generic sans-serif one) made explicit, so every compiler's headers behave the
 // same and no process-wide cached family is used (it would outlive a GDI+ shutdown).
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <memory>
 #include <string>
+
+#include "widgets/gdiplus_headers.h"
 
 namespace imageutil {
 

@@ -2,12 +2,12 @@
 // A picture file decoded from a copy of its bytes: the file is read and closed at once, and the
 // decoded bitmap lives on the in-memory stream that GDI+ needs for as long as the bitmap exists.
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 #include <wrl/client.h>
 
 #include <memory>
 #include <string>
+
+#include "widgets/gdiplus_headers.h"
 
 namespace imageutil {
 

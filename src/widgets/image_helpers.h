@@ -5,12 +5,12 @@
 // Every source file is read into memory and closed before the call returns, so a button that shows
 // a picture never stops the bar from writing the same file name again.
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <cstdint>
 #include <memory>
 #include <string>
+
+#include "widgets/gdiplus_headers.h"
 
 namespace imageutil {
 

@@ -3,8 +3,6 @@
 // 3 pressed, 4 disabled) painted over the bar's background without flicker, and WM_COMMAND to the
 // parent when clicked. It keeps its own pressed and hovered flags instead of the base's state.
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <array>
 #include <memory>
@@ -13,6 +11,7 @@
 
 #include "platform/handles.h"
 #include "widgets/default_tool_button.h"
+#include "widgets/gdiplus_headers.h"
 
 class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
  public:

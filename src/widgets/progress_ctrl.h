@@ -2,12 +2,11 @@
 // The thin rounded progress bar under the capacity text: a pale rounded track and a rounded fill of
 // a settable colour whose width is the position's share of the range.
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <span>
 
 #include "platform/window.h"
+#include "widgets/gdiplus_headers.h"
 
 class CMyProgressCtrl final : public corvane::Window<CMyProgressCtrl> {
  public:

@@ -3,8 +3,6 @@
 // read back with GDI+, the app theme switched and restored, a zoom published and removed, a parent
 // window that records WM_COMMAND, pixels read from a window, and real mouse input.
 #include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <cstdint>
 #include <optional>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "platform/window.h"
+#include "widgets/gdiplus_headers.h"
 
 namespace widgettest {
 
