@@ -1,0 +1,143 @@
+#pragma once
+// A bar as the Explorer window controller would host it, over a plain top-level window: GDI+ and
+// COM started, a scratch Halvex key, a light app theme (restored afterwards), a logger over a fresh
+// folder and a capture of the debugger output. The bar's own timer is stopped after creation so
+// the tests drive OnTimer with WM_TIMER themselves.
+#include <windows.h>
+#include <unknwn.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "bar/bar_owner.h"
+#include "bar/title_window.h"
+#include "debug_capture.h"
+#include "platform/gdiplus_session.h"
+#include "platform/window.h"
+
+namespace bartest {
+
+inline const std::wstring kRoot = L"Software\\varnowe\\Halvex";
+inline const std::wstring kUser = L"u0123456789";  // 11 characters: the shortest valid user
+inline const std::wstring kUserKey = kRoot + L"\\" + kUser;
+inline const std::wstring kZoomKey = kRoot + L"\\dpiZoom";
+constexpr std::uint64_t kMiB = 1024ULL * 1024;
+constexpr std::uint64_t kGiB = 1024 * kMiB;
+
+// An IUnknown that only counts its references.
+class CountingUnknown final : public IUnknown {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** out) override;
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++m_count; }
+  ULONG STDMETHODCALLTYPE Release() override { return --m_count; }
+  ULONG Count() const noexcept { return m_count; }
+
+ private:
+  std::atomic<ULONG> m_count{1};
+};
+
+class COwnerFrame final : public corvane::Window<COwnerFrame> {
+ public:
+  static constexpr const wchar_t* kClassName = L"CorvaneBarTestOwner";
+  static std::span<const MessageEntry> MessageMap() { return {}; }
+};
+
+// The owner: holds H and the text unit like the controller, and lays the bar out as a strip of
+// height H across the top of its window.
+class TestOwner final : public IBarOwner {
+ public:
+  explicit TestOwner(int clientWidth);
+  int GetBarHeight() const override { return m_nBarHeight; }
+  void SetBarHeight(int height) override;
+  void GetIconSize(int& width, int& height) const override;
+  void SetIconSize(int width, int height) override;
+  HWND GetExplorerHwnd() const override { return m_frame.m_hWnd; }
+
+  void Attach(CTitleWindow* bar) noexcept { m_pBar = bar; }
+  // MovePosition of the bar to (0, 0, width, H).
+  void Layout(int width);
+  int Width() const noexcept { return m_nWidth; }
+  int SetBarHeightCalls() const noexcept { return m_nSetBarHeightCalls; }
+
+ private:
+  COwnerFrame m_frame;
+  CTitleWindow* m_pBar = nullptr;
+  int m_nWidth;
+  int m_nBarHeight = 40;
+  int m_nIconWidth = 0;
+  int m_nIconHeight = 0;
+  int m_nSetBarHeightCalls = 0;
+};
+
+// A bar hosted like the controller does it. Start: Initialize under the owner's window; Settle:
+// WM_DISPLAYCHANGE posted to the bar and its right group, the bar laid out at the owner's width and
+// the messages pumped.
+struct HostedBar {
+  explicit HostedBar(int width) : owner(width) {}
+  ~HostedBar();
+  HostedBar(const HostedBar&) = delete;
+  HostedBar& operator=(const HostedBar&) = delete;
+  bool Start(bool settle = true);
+  void Settle();
+  HWND Bar() const { return bar.m_hWnd; }
+  HWND Right() const { return bar.GetRightHwnd(); }
+  HWND Child(int id) const { return ::GetDlgItem(bar.m_hWnd, id); }
+  void Tick() const;
+
+  // Whether the bar's own update timer was running when Start stopped it.
+  bool timerWasRunning = false;
+  CountingUnknown unknown;
+  TestOwner owner;
+  CTitleWindow bar;
+};
+
+// Dispatches everything queued for this thread.
+void Pump();
+// Removes the queued messages of one kind, dispatches them and returns their windows in order.
+// (A window filter would also take the messages of the window's children.)
+std::vector<HWND> TakeQueued(UINT message);
+int CountOf(const std::vector<HWND>& windows, HWND window);
+bool HasStyle(HWND window, DWORD style);
+RECT RectIn(HWND window, HWND parent);
+bool FileExists(const std::wstring& path);
+std::wstring SkinFile(const wchar_t* name);
+// The distinct colours (0xRRGGBB) of a picture's pixels that are at least half covered; faint
+// anti-aliased edges are left out, so a caption yields exactly its text colour.
+std::set<std::uint32_t> InkColours(const std::wstring& path);
+SIZE PictureSize(const std::wstring& path);
+
+class BarTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  static void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text);
+  static void DeleteValue(const std::wstring& subkey, const std::wstring& name);
+  static void PublishUser() { SetText(kRoot, L"currentUser", kUser); }
+  static void PublishSpace(std::uint64_t total, std::uint64_t used);
+  static void PublishAdvertising(const std::wstring& id, const std::wstring& title);
+  static void PublishZoom(HWND window, const std::wstring& text);
+  static void SetDarkTheme(bool dark);
+
+  // Info and Debug messages logged under [function], in order, without their prefixes.
+  std::vector<std::wstring> LogOf(const std::wstring& function) const;
+  void ClearLog() { m_capture.Clear(); }
+
+ private:
+  std::optional<corvane::GdiplusSession> m_gdiplus;
+  testsupport::DebugCapture m_capture;
+  std::wstring m_scratch;
+  std::optional<std::vector<BYTE>> m_savedTheme;
+  DWORD m_savedThemeType = REG_NONE;
+  bool m_comStarted = false;
+};
+
+}  // namespace bartest

@@ -1,0 +1,142 @@
+// The pure rules behind the bar: size texts, the low-space warning, the used share, and the
+// layout arithmetic (bar height, child rectangles, which children fit a width).
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <random>
+#include <string>
+
+#include "core/bar_layout.h"
+#include "core/capacity.h"
+
+namespace {
+
+using corvane::core::BarRect;
+using corvane::core::FormatSize;
+
+constexpr std::uint64_t kKiB = 1024, kMiB = kKiB * 1024, kGiB = kMiB * 1024, kTiB = kGiB * 1024;
+
+TEST(FormatSize, UnitsFractionsAndTrimming) {
+  const struct {
+    std::uint64_t bytes;
+    const wchar_t* text;
+  } cases[] = {
+      {0, L"0B"},
+      {512, L"512B"},
+      {1023, L"1023B"},
+      {1024, L"1KB"},
+      {1536, L"1.5KB"},
+      {1024 + 10, L"1.01KB"},              // 1.009765625 rounds up to 1.01
+      {1152, L"1.12KB"},                   // 1.125 exactly: a tie goes to the even digit
+      {kMiB - 1, L"1024KB"},               // 1023.999 KiB prints as 1024.00
+      {kMiB, L"1MB"},
+      {10 * kMiB, L"10MB"},                // trailing zeros stop at the point
+      {200 * kMiB, L"200MB"},
+      {kGiB, L"1GB"},
+      {kGiB + kGiB / 4, L"1.25GB"},
+      {2 * kGiB, L"2GB"},
+      {500 * kGiB, L"500GB"},
+      {kTiB - 1, L"1024GB"},
+      {kTiB, L"1TB"},
+      {kTiB + kTiB / 2, L"1.5TB"},
+      {UINT64_MAX, L"16777216TB"},         // taken as unsigned, never negative
+  };
+  for (const auto& c : cases) EXPECT_EQ(FormatSize(c.bytes), c.text) << c.bytes;
+}
+
+// The same rule written with the runtime's own "%.2f", for a second opinion on the rounding.
+// Exact ties (1.125) are where runtimes part: msvcrt.dll rounds them away from zero, the C
+// standard's printf, the UCRT and std::to_chars to even. FormatSize follows the standard; ties are
+// pinned in the table above and left out of the comparison.
+std::uint64_t UnitOf(std::uint64_t bytes) {
+  if (bytes < kMiB) return kKiB;
+  if (bytes < kGiB) return kMiB;
+  return bytes >= kTiB ? kTiB : kGiB;
+}
+
+bool IsTie(std::uint64_t bytes, std::uint64_t unit) {
+  if (bytes < kKiB) return false;
+  const std::uint64_t hundredths = (bytes % unit) * 200;  // below 2^48 for every unit used
+  return hundredths % unit == 0 && (hundredths / unit) % 2 == 1;
+}
+
+std::wstring ReferenceFormat(std::uint64_t bytes) {
+  if (bytes < kKiB) return std::to_wstring(bytes) + L"B";
+  const std::uint64_t unit = UnitOf(bytes);
+  const wchar_t* name = unit == kKiB ? L"KB" : unit == kMiB ? L"MB" : unit == kGiB ? L"GB" : L"TB";
+  const double value = static_cast<double>(bytes) / static_cast<double>(unit);
+  wchar_t text[64] = {};
+  _snwprintf_s(text, _TRUNCATE, L"%.2f", value);
+  std::wstring result = text;
+  while (!result.empty() && result.back() == L'0') result.pop_back();
+  while (!result.empty() && result.back() == L'.') result.pop_back();
+  return result + name;
+}
+
+TEST(FormatSize, AgreesWithTheRuntimesTwoDecimalFormatting) {
+  std::mt19937_64 random(20261122);
+  for (const std::uint64_t unit : {kKiB, kMiB, kGiB, kTiB}) {
+    for (std::uint64_t k = 1; k < 1100; ++k) {
+      // Values around every hundredth of the unit, where the rounding of "%.2f" decides.
+      const std::uint64_t base = unit * k / 100;
+      for (const std::uint64_t bytes : {base - 1, base, base + 1, base + unit / 200, base + unit / 200 + 1}) {
+        if (IsTie(bytes, UnitOf(bytes))) continue;
+        ASSERT_EQ(FormatSize(bytes), ReferenceFormat(bytes)) << bytes;
+      }
+    }
+  }
+  for (int i = 0; i < 20000; ++i) {
+    const std::uint64_t bytes = random() >> (random() % 64);
+    if (IsTie(bytes, UnitOf(bytes))) continue;
+    ASSERT_EQ(FormatSize(bytes), ReferenceFormat(bytes)) << bytes;
+  }
+}
+
+TEST(CapacityWarning, FiveHundredMibOrLessFreeOrUsedAtTotal) {
+  const struct {
+    std::uint64_t total, used;
+    bool warn;
+  } cases[] = {
+      {2 * kGiB, 2 * kGiB - 500 * kMiB, true},       // exactly 500 MiB free
+      {2 * kGiB, 2 * kGiB - 501 * kMiB, false},      // 501 MiB free
+      {2 * kGiB, 2 * kGiB - 501 * kMiB + 1, true},   // a byte short of 501 MiB: 500 whole MiB
+      {2 * kGiB, 2 * kGiB - 500 * kMiB - 1, true},   // 500 MiB and a byte
+      {0, 0, true},
+      {2 * kGiB, 2 * kGiB, true},
+      {2 * kGiB, 2 * kGiB + 1, true},                // used above total wraps; caught
+      {0, 5, true},
+      {kTiB, 0, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(corvane::core::IsCapacityWarning(c.total, c.used), c.warn) << c.total << " " << c.used;
+  }
+}
+
+TEST(CapacityWarning, UsedPercentTruncatesAndIsBounded) {
+  EXPECT_EQ(corvane::core::UsedPercent(0, 0), 0);
+  EXPECT_EQ(corvane::core::UsedPercent(0, kGiB), 0);
+  EXPECT_EQ(corvane::core::UsedPercent(3, 1), 33);
+  EXPECT_EQ(corvane::core::UsedPercent(3, 2), 66);
+  EXPECT_EQ(corvane::core::UsedPercent(500 * kGiB, 200 * kMiB), 0);
+  EXPECT_EQ(corvane::core::UsedPercent(2, 3), 150);  // the control clamps, not the rule
+  EXPECT_EQ(corvane::core::UsedPercent(1, UINT64_MAX), INT_MAX);
+}
+
+TEST(BarLayout, HeightFromTextLineAndTruncatedCentring) {
+  const struct {
+    unsigned text;
+    int bar;
+  } heights[] = {{20, 32}, {25, 40}, {17, 27}, {14, 22}, {0, 0}};
+  for (const auto& h : heights) EXPECT_EQ(corvane::core::BarHeightFromTextHeight(h.text), h.bar) << h.text;
+  EXPECT_EQ(corvane::core::LogoRect(32), (BarRect{10, 1, 40, 31})) << "a 30 x 30 logo at (10, 1)";
+  // A picture taller than the bar: the division truncates toward zero, -5 / 2 is -2, not -3.
+  const BarRect capacity{60, 0, 210, 9};
+  EXPECT_EQ(corvane::core::AdvertisingRect(capacity, 20, 90, 15, 10), (BarRect{230, -2, 320, 13}));
+  EXPECT_EQ(corvane::core::ButtonRect(10, 80, 15, 10), (BarRect{10, -2, 90, 13}));
+}
+
+}  // namespace
