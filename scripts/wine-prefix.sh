@@ -8,13 +8,19 @@ export WINEPREFIX=$prefix WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES="mscore
 wine=/usr/lib/wine/wine64
 [ -x "$wine" ] || wine=$(command -v wine64 || command -v wine)
 
+# Bump when the settings below change, so existing prefixes take them up.
+settings_version=2
+
 exec 9>"$prefix.lock"
 flock 9
-if [ ! -f "$prefix/.corvane-ready" ]; then
-  echo "wine-prefix: creating $prefix" >&2
-  "$wine" wineboot -i </dev/null >/dev/null 2>&1
+if [ "$(cat "$prefix/.corvane-ready" 2>/dev/null)" != "$settings_version" ]; then
+  echo "wine-prefix: preparing $prefix" >&2
+  [ -f "$prefix/system.reg" ] || "$wine" wineboot -i </dev/null >/dev/null 2>&1
+  reg() { "$wine" reg add "$@" /f </dev/null >/dev/null 2>&1; }
   # GDI+ looks the product font up by name; WenQuanYi Micro Hei carries the same CJK coverage.
-  "$wine" reg add 'HKCU\Software\Wine\Fonts\Replacements' /v 'Microsoft YaHei' /t REG_SZ /d 'WenQuanYi Micro Hei' /f </dev/null >/dev/null 2>&1
-  wineserver -w
-  touch "$prefix/.corvane-ready"
+  reg 'HKCU\Software\Wine\Fonts\Replacements' /v 'Microsoft YaHei' /t REG_SZ /d 'WenQuanYi Micro Hei'
+  # Xvfb has no window manager: unmanaged windows are destroyed at once instead of after Wine's
+  # two-second wait for one, and Wine draws their captions itself.
+  reg 'HKCU\Software\Wine\X11 Driver' /v Managed /t REG_SZ /d N
+  echo "$settings_version" > "$prefix/.corvane-ready"
 fi

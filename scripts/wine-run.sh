@@ -9,7 +9,7 @@ export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree
 wine=/usr/lib/wine/wine64
 [ -x "$wine" ] || wine=$(command -v wine64 || command -v wine)
 
-[ -f "$WINEPREFIX/.corvane-ready" ] || "$here/wine-prefix.sh" "$WINEPREFIX"
+"$here/wine-prefix.sh" "$WINEPREFIX"
 
 # Wine's helper processes outlive a program and would hold CTest's output pipes open:
 # keep the server and the services alive on their own, away from our streams. The lock makes a
