@@ -49,7 +49,10 @@ bool ControlPipe::Start(std::wstring& error) {
 }
 
 void ControlPipe::Stop() noexcept {
-  if (m_stop) ::SetEvent(m_stop.get());
+  {
+    std::lock_guard<std::mutex> settled(m_commandLock);
+    if (m_stop) ::SetEvent(m_stop.get());
+  }
   if (m_thread.joinable() && m_thread.get_id() != std::this_thread::get_id()) m_thread.join();
 }
 
@@ -102,6 +105,9 @@ bool ControlPipe::ServeClient() {
       if (line.empty()) continue;
       const std::wstring command = FromUtf8(line);
       Log(L"> " + command);
+      // A command that ends the last window ends the process: Stop waits for this lock, so the
+      // reply is written and read before the pipe goes away.
+      std::unique_lock<std::mutex> inFlight(m_commandLock);
       Reply reply;
       try {
         reply = m_handler(command);
@@ -110,6 +116,9 @@ bool ControlPipe::ServeClient() {
       }
       Log(L"< " + reply.text);
       if (!WriteLine(reply.text)) return reply.quit;
+      // Disconnecting discards unread data; wait until the client has taken the reply.
+      ::FlushFileBuffers(m_pipe.get());
+      inFlight.unlock();
       if (reply.quit) {
         // Give the client time to read the reply before the process, and the pipe, go away.
         OVERLAPPED wait{};

@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -43,6 +44,7 @@ class ControlPipe {
   corvane::unique_handle m_stop;
   corvane::unique_handle m_io;
   std::thread m_thread;
+  std::mutex m_commandLock;
 };
 
 }  // namespace explorer_standin
