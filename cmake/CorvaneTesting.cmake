@@ -1,15 +1,6 @@
 # GoogleTest built for the target, and CTest running every test program under Wine.
 include(GoogleTest)
 
-if(CMAKE_CROSSCOMPILING)
-  set(CORVANE_WINEPREFIX ${CMAKE_BINARY_DIR}/wineprefix CACHE PATH "Wine prefix of this build tree")
-  set(CORVANE_WINE_RUN ${CMAKE_BINARY_DIR}/wine-run)
-  file(WRITE ${CORVANE_WINE_RUN}
-    "#!/bin/sh\nCORVANE_WINEPREFIX='${CORVANE_WINEPREFIX}' exec '${PROJECT_SOURCE_DIR}/scripts/wine-run.sh' \"$@\"\n")
-  file(CHMOD ${CORVANE_WINE_RUN} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${CORVANE_WINE_RUN})
-endif()
-
 set(GTEST_SOURCE_DIR /usr/src/googletest CACHE PATH "GoogleTest sources (Debian's googletest package)")
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)

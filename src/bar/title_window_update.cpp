@@ -2,6 +2,7 @@
 // the re-measure after a zoom or display change, and the promotion click.
 #include <cmath>
 
+#include "bar/detection_caption.h"
 #include "bar/title_window.h"
 #include "client/launcher.h"
 #include "client/registry.h"
@@ -69,14 +70,8 @@ LRESULT CTitleWindow::OnDisplayChange(UINT, WPARAM, LPARAM, bool& handled) {
   handled = false;
   if (m_pOwner == nullptr) return 0;
 
-  TextImageStyle detection;
-  detection.zoomWindow = ZoomWindow();
-  detection.text = L"设置";
-  detection.color = kCaptionColor;
-  detection.fontName = L"Microsoft YaHei";
-  detection.fontSize = 12.0f;
-  const std::wstring detectionPng = m_strModuleFolder + L"CorvaneSkin\\detection.png";
-  RenderTextToPng(detection, detectionPng);
+  const std::wstring detectionPng = m_strModuleFolder + bar::kDetectionPicture;
+  RenderTextToPng(bar::DetectionCaption(ZoomWindow()), detectionPng);
   UINT width = 0, height = 0;
   // Without a measurement the owner keeps the unit and height it has.
   if (GetImageSize(detectionPng, width, height)) {
