@@ -20,7 +20,8 @@ cp "$build/demo-host/explorer.exe" "$demo/shell/"
 # The sample account: a sync folder and a picture inside the prefix's C: drive.
 sample=$CORVANE_WINEPREFIX/drive_c/HalvexDemo
 mkdir -p "$sample/同步盘"
-convert -size 96x96 xc:'#0067C0' -fill white -draw 'circle 48,48 48,20' "$sample/avatar.png" 2>/dev/null || cp "$demo/shell/Corvane.dll" "$sample/avatar.png"
+# The client publishes the account picture at the size the bar shows it.
+convert -size 28x28 xc:none -fill '#C239B3' -draw 'circle 13.5,13.5 13.5,0.5' -fill white -gravity center -pointsize 16 -annotate +0+0 D "$sample/avatar.png"
 
 user=demo_user_2026
 root='HKCU\Software\varnowe\Halvex'
@@ -64,3 +65,7 @@ for f in "$logs"/*.log; do
   fi
   iconv -f UTF-16LE -t UTF-8 "$f" | tr -d '\r' | sed 's/^/      /'
 done
+
+# The bar in a plain window (Explorer itself is not here), photographed on the headless display.
+echo "== Screenshots of the bar:"
+"$here/with-xvfb.sh" "$here/demo-shots.sh" "$build" "$user"

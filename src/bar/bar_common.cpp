@@ -7,7 +7,7 @@
 
 namespace bar {
 
-COLORREF BackgroundColor(bool dark) noexcept { return dark ? RGB(32, 32, 32) : RGB(255, 255, 255); }
+COLORREF BackgroundColor(bool dark) noexcept { return theme::BarBackground(dark); }
 
 namespace {
 

@@ -14,6 +14,8 @@ bool IsDarkTheme() noexcept {
 
 COLORREF LoginBackground(bool dark) noexcept { return dark ? RGB(0x20, 0x20, 0x20) : RGB(0xFF, 0xFF, 0xFF); }
 
+COLORREF BarBackground(bool dark) noexcept { return dark ? RGB(32, 32, 32) : RGB(255, 255, 255); }
+
 COLORREF SeparatorLine(bool dark) noexcept { return dark ? RGB(0x3A, 0x3A, 0x3A) : RGB(0xD9, 0xD9, 0xD9); }
 
 COLORREF ToolButtonBackground(bool dark, int state) noexcept {

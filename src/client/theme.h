@@ -10,6 +10,8 @@ bool IsDarkTheme() noexcept;
 
 // The palette; painting code asks IsDarkTheme() each time and picks a row.
 COLORREF LoginBackground(bool dark) noexcept;
+// The bar and everything drawn on it: RGB(255, 255, 255) light, RGB(32, 32, 32) dark.
+COLORREF BarBackground(bool dark) noexcept;
 COLORREF SeparatorLine(bool dark) noexcept;
 // Tool button states: 0 normal, 1 hover, 2 pressed, 3 disabled; any other state paints as normal.
 COLORREF ToolButtonBackground(bool dark, int state) noexcept;

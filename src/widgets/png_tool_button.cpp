@@ -3,6 +3,7 @@
 #include <shlwapi.h>
 #include <windowsx.h>
 
+#include "client/theme.h"
 #include "platform/module_path.h"
 #include "widgets/font_maker.h"
 #include "widgets/png_picture.h"
@@ -111,7 +112,7 @@ void CPngToolButton::Paint(HDC dc) {
   const corvane::scoped_select selected(memory.get(), buffer.get());
 
   // The stock DC brush takes any colour without creating a brush per paint.
-  ::SetDCBrushColor(memory.get(), IsDarkTheme() ? RGB(32, 32, 32) : RGB(255, 255, 255));
+  ::SetDCBrushColor(memory.get(), theme::BarBackground(IsDarkTheme()));
   ::FillRect(memory.get(), &client, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
 
   if (const HBITMAP picture = m_hImages[static_cast<size_t>(CurrentSlot())].get()) {

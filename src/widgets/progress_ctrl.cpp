@@ -2,9 +2,15 @@
 
 #include <algorithm>
 
+#include "client/theme.h"
 #include "platform/handles.h"
 
 namespace {
+
+Gdiplus::ARGB ToArgb(COLORREF color) noexcept {
+  return Gdiplus::Color::MakeARGB(255, GetRValue(color), GetGValue(color), GetBValue(color));
+}
+
 
 // The track stays this pale blue in both themes: the capacity display's colours were chosen
 // against it, and it reads on the dark bar as well.
@@ -75,6 +81,12 @@ LRESULT CMyProgressCtrl::OnPaint(UINT, WPARAM, LPARAM, bool&) {
 
   RECT client{};
   ::GetClientRect(m_hWnd, &client);
+  // The control sits on the bar. Explorer composites the bar's children, so pixels the track does
+  // not cover would show the bar; hosts that do not composite would show stale pixels instead, so
+  // the bar's colour goes down first.
+  const Gdiplus::SolidBrush barBrush(ToArgb(theme::BarBackground(theme::IsDarkTheme())));
+  graphics.FillRectangle(&barBrush, static_cast<INT>(client.left), static_cast<INT>(client.top),
+                         static_cast<INT>(client.right - client.left), static_cast<INT>(client.bottom - client.top));
   client.bottom -= 2;
   const auto width = static_cast<Gdiplus::REAL>(client.right - client.left);
   const auto height = static_cast<Gdiplus::REAL>(client.bottom - client.top);
