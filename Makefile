@@ -19,7 +19,7 @@ test: build
 	./scripts/run-tests.sh $(BUILD) $(JOBS)
 
 demo: build
-	./scripts/demo.sh $(BUILD)
+	./scripts/with-xvfb.sh ./scripts/demo.sh $(BUILD)
 
 bench: build
 	./scripts/with-xvfb.sh ./scripts/bench.sh $(BUILD)

@@ -6,6 +6,8 @@ build=$(cd "$1" && pwd)
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 export CORVANE_WINEPREFIX=$build/wineprefix
 "$here/wine-prefix.sh" "$CORVANE_WINEPREFIX"
+# Wine's desktop belongs to the display it first met: start afresh on this run's display.
+WINEPREFIX=$CORVANE_WINEPREFIX wineserver -k 2>/dev/null || true
 trap 'WINEPREFIX=$CORVANE_WINEPREFIX wineserver -k 2>/dev/null || true' EXIT
 run() { "$here/wine-run.sh" "$@"; }
 winpath() { echo "Z:$1" | tr / '\\'; }
@@ -21,7 +23,7 @@ cp "$build/demo-host/explorer.exe" "$demo/shell/"
 sample=$CORVANE_WINEPREFIX/drive_c/HalvexDemo
 mkdir -p "$sample/同步盘"
 # The client publishes the account picture at the size the bar shows it.
-convert -size 28x28 xc:none -fill '#C239B3' -draw 'circle 13.5,13.5 13.5,0.5' -fill white -gravity center -pointsize 16 -annotate +0+0 D "$sample/avatar.png"
+convert -size 22x22 xc:none -fill '#C239B3' -draw 'circle 10.5,10.5 10.5,0.5' -fill white -font /usr/share/fonts/truetype/wqy/wqy-microhei.ttc -gravity center -pointsize 12 -annotate +0+0 D "$sample/avatar.png"
 
 user=demo_user_2026
 root='HKCU\Software\varnowe\Halvex'
@@ -46,7 +48,7 @@ export HALVEX_STANDIN_RECORD=$(winpath "$record")
 export SCALEMEND_STANDIN_RECORD=$(winpath "$dpirecord")
 
 cd "$demo/shell"
-"$here/with-xvfb.sh" "$here/wine-run.sh" ./explorer.exe 2>/dev/null | tr -d '\r'
+"$here/wine-run.sh" ./explorer.exe 2>/dev/null | tr -d '\r'
 
 # The stand-in client is started by ShellExecute and records itself; give it a moment.
 for _ in $(seq 50); do [ -s "$record" ] && [ -s "$dpirecord" ] && break; sleep 0.1; done
@@ -68,4 +70,4 @@ done
 
 # The bar in a plain window (Explorer itself is not here), photographed on the headless display.
 echo "== Screenshots of the bar:"
-"$here/with-xvfb.sh" "$here/demo-shots.sh" "$build" "$user"
+"$here/demo-shots.sh" "$build" "$user"
