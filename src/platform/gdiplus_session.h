@@ -1,9 +1,7 @@
 #pragma once
 // GDI+ started for the lifetime of an owner: hosts without an Explorer window controller (tests,
 // tools, the namespace view in a foreign Explorer) start it themselves with their own token.
-#include <windows.h>
-#include <objidl.h>
-#include <gdiplus.h>
+#include "platform/gdiplus_headers.h"
 
 namespace corvane {
 

@@ -4,7 +4,7 @@
 #include "platform/handles.h"
 #include "widgets/default_tool_button.h"
 #include "widgets/font_maker.h"
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 namespace widgets {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 namespace imageutil {
 

@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 namespace imageutil {
 

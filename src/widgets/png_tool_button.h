@@ -11,7 +11,7 @@
 
 #include "platform/handles.h"
 #include "widgets/default_tool_button.h"
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
  public:

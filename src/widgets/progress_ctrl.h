@@ -6,7 +6,7 @@
 #include <span>
 
 #include "platform/window.h"
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 class CMyProgressCtrl final : public corvane::Window<CMyProgressCtrl> {
  public:

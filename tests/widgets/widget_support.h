@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/window.h"
-#include "widgets/gdiplus_headers.h"
+#include "platform/gdiplus_headers.h"
 
 namespace widgettest {
 

@@ -1,5 +1,5 @@
 #pragma once
-// <gdiplus.h> for every file of the widgets. The Windows SDK's GDI+ headers call min and max
+// <gdiplus.h> for every file of the project. The Windows SDK's GDI+ headers call min and max
 // unqualified, and the project builds with NOMINMAX, so the standard ones are brought into the
 // Gdiplus namespace first (mingw's headers do not need them and are not disturbed).
 #include <windows.h>
