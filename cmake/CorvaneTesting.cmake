@@ -19,10 +19,6 @@ function(corvane_add_gtest name)
     target_link_options(${name} PRIVATE -mconsole)
   endif()
   set(props TIMEOUT 120)
-  if(T_LOCKS)
-    list(JOIN T_LOCKS ";" locks)
-    list(APPEND props RESOURCE_LOCK "${locks}")
-  endif()
   if(T_LABELS)
     list(APPEND props LABELS "${T_LABELS}")
   endif()
@@ -31,5 +27,12 @@ function(corvane_add_gtest name)
     DISCOVERY_TIMEOUT 120
     WORKING_DIRECTORY ${CORVANE_TESTBED_DLL_DIR}
     PROPERTIES ${props})
+  if(T_LOCKS)
+    # Set after discovery from the discovered names: passed through gtest_discover_tests, a list of
+    # several locks is split into separate arguments and only the first lock would be held.
+    set(lock_script ${CMAKE_CURRENT_BINARY_DIR}/${name}_locks.cmake)
+    file(WRITE ${lock_script} "set_tests_properties(\${${name}_TESTS} PROPERTIES RESOURCE_LOCK \"${T_LOCKS}\")\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${lock_script})
+  endif()
   add_dependencies(${name} corvane_testbed)
 endfunction()

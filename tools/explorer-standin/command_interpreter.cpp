@@ -132,6 +132,16 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
     ::Sleep(static_cast<DWORD>(*ms));
     return Ok();
   }
+  if (command == L"canunload") {
+    const std::wstring name = Trim(rest);
+    if (name.empty()) return Error(L"usage: canunload <dll name>");
+    const HMODULE module = ::GetModuleHandleW(name.c_str());
+    if (module == nullptr) return Ok(L"unloaded");
+    using CanUnloadNowFn = HRESULT(WINAPI*)();
+    const auto canUnloadNow = reinterpret_cast<CanUnloadNowFn>(reinterpret_cast<void*>(::GetProcAddress(module, "DllCanUnloadNow")));
+    if (canUnloadNow == nullptr) return Error(L"no DllCanUnloadNow");
+    return Ok(HexResult(canUnloadNow()));
+  }
   if (command == L"open") {
     const std::wstring location = Trim(rest);
     if (location.empty()) return Error(L"usage: open <location>");

@@ -14,6 +14,7 @@
 //   sync <id>                          → ok            returns once work queued before it has run
 //   windows                            → ok <id> ...
 //   sleep <ms>                         → ok
+//   canunload <dll name>               → ok <hresult>  DllCanUnloadNow of a loaded DLL, "ok unloaded" if none
 //   quit                               → ok            closes every window, then the process ends
 //
 // For post and send, lparam may be "pidl:<location>": a fresh absolute PIDL made in the stand-in.
