@@ -1,12 +1,16 @@
 #include "module/corvane_module.h"
 
+#include "explorer/title_bar_bho.h"
 #include "platform/module_lock.h"
 
 CCorvaneModule g_CorvaneModule;
 
 std::span<const corvane::ClassEntry> CCorvaneModule::ClassTable() noexcept {
-  // Empty until the helper object, the view and the namespace folders are built.
-  return {};
+  // The view and the namespace folders join the helper object when they are built.
+  static const corvane::ClassEntry table[] = {
+      corvane::ClassEntryFor<CTitleBarBHO>(CLSID_TitleBarBHO),
+  };
+  return table;
 }
 
 HRESULT CCorvaneModule::DllGetClassObject(REFCLSID clsid, REFIID riid, void** ppv) noexcept {

@@ -1,0 +1,130 @@
+// When the bar shows: the sync folder and what lies below it, by the add-in's comparison rule, for
+// a signed-in client with sync on; and how it is laid out inside Explorer's view window.
+#include "integration_bed.h"
+
+#include "platform/module_path.h"
+
+namespace integrationtest {
+namespace {
+
+void ExpectLaidOut(const BarState& state, int height) {
+  ASSERT_TRUE(state.shown) << "the bar is not visible in the view window";
+  EXPECT_EQ(state.barInView.top, 0);
+  EXPECT_EQ(state.barInView.left, 0);
+  EXPECT_EQ(state.barInView.right, state.view.right);
+  EXPECT_EQ(state.barInView.bottom - state.barInView.top, height);
+  // The file list gives up exactly the bar's strip at the top.
+  EXPECT_EQ(state.listInView.top, height);
+  EXPECT_EQ(state.listInView.bottom, state.view.bottom);
+}
+
+void ExpectRestored(const BarState& state) {
+  ASSERT_NE(state.bar, nullptr) << "the bar was never made";
+  EXPECT_FALSE(state.shown) << "the bar is still visible in the view window";
+  EXPECT_FALSE(::IsWindowVisible(state.bar));
+  EXPECT_EQ(state.listInView.top, 0);
+  EXPECT_EQ(state.listInView.bottom, state.view.bottom);
+}
+
+TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {
+  const int id = m_explorer->Open(m_sync);
+  ASSERT_NE(id, 0);
+  ExpectLaidOut(WaitForBar(id, true), ExpectedBarHeight());
+  EXPECT_GT(ExpectedBarHeight(), 0);
+
+  struct Step {
+    const char* what;
+    std::wstring location;  // navigate here first, unless empty
+    std::wstring login, syncPath;
+    bool shown;
+  };
+  const std::wstring upper = m_sync.substr(0, m_sync.size() - 4) + L"SYNC";
+  const Step steps[] = {
+      {"a folder inside", m_inside, L"1", m_sync, true},
+      {"a sibling whose name begins with the sync folder's", m_sibling, L"1", m_sync, false},
+      {"the sync folder again", m_sync, L"1", m_sync, true},
+      {"a virtual folder", L"::ThisPC", L"1", m_sync, false},
+      {"back from the virtual folder", m_inside, L"1", m_sync, true},
+      {"a folder elsewhere", m_other, L"1", m_sync, false},
+      {"the sync path published with a trailing backslash", m_sync, L"1", m_sync + L"\\", true},
+      {"the sync path published in other letter case", L"", L"1", upper, false},
+      {"the sync path as the folder is spelt", L"", L"1", m_sync, true},
+      {"signed out", L"", L"0", m_sync, false},
+      {"signed in again", L"", L"1", m_sync, true},
+      {"no sync path", L"", L"1", L"", false},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    if (!step.location.empty()) {
+      ASSERT_EQ(Navigate(id, step.location), L"ok");
+    }
+    Publish(step.login, L"1", step.syncPath);
+    const BarState state = WaitForBar(id, step.shown);
+    if (step.shown) {
+      ExpectLaidOut(state, ExpectedBarHeight());
+    } else {
+      ExpectRestored(state);
+    }
+  }
+
+  // The client ran from the first show on, so it was started once, with nothing to do.
+  const auto starts = launchertest::ReadRecords(m_clients->ClientRecord());
+  ASSERT_EQ(starts.size(), 1u);
+  EXPECT_EQ(starts[0].commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L""));
+  EXPECT_EQ(CountLog(L"Halvex process not exits, call cx::startCloudApp"), 1u);
+}
+
+TEST_F(ExplorerIntegration, ClientStartedWhenTheBarShowsWithoutOne) {
+  // A client that ends at once is never found running: every show starts it again.
+  ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"0");
+  RestartExplorer();
+  const int id = m_explorer->Open(m_other);
+  ASSERT_NE(id, 0);
+  EXPECT_FALSE(WaitForBar(id, true, 1500).shown);
+  EXPECT_TRUE(launchertest::ReadRecords(m_clients->ClientRecord()).empty()) << "started while the bar stays hidden";
+
+  ASSERT_EQ(Navigate(id, m_sync), L"ok");
+  EXPECT_TRUE(WaitForBar(id, true).shown);
+  EXPECT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 1, 5000).size(), 1u);
+  ASSERT_TRUE(launchertest::WaitForNoClient());
+  ASSERT_EQ(Navigate(id, m_other), L"ok");
+  EXPECT_FALSE(WaitForBar(id, false).shown);
+  ASSERT_EQ(Navigate(id, m_inside), L"ok");
+  EXPECT_TRUE(WaitForBar(id, true).shown);
+  const auto starts = launchertest::WaitForRecords(m_clients->ClientRecord(), 2, 5000);
+  ASSERT_EQ(starts.size(), 2u);
+  for (const auto& start : starts) {
+    EXPECT_EQ(start.commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L""));
+  }
+}
+
+TEST_F(ExplorerIntegration, EachOfTwoWindowsGetsItsOwnBar) {
+  const int first = m_explorer->Open(m_sync);
+  ASSERT_NE(first, 0);
+  const BarState firstBar = WaitForBar(first, true);
+  ASSERT_TRUE(firstBar.shown);
+  // Opened after the first is settled: its creation hook then acts on its own, newest controller.
+  const int second = m_explorer->Open(m_inside);
+  ASSERT_NE(second, 0);
+  const BarState secondBar = WaitForBar(second, true);
+  ASSERT_TRUE(secondBar.shown);
+  EXPECT_NE(secondBar.bar, firstBar.bar);
+  ExpectLaidOut(secondBar, ExpectedBarHeight());
+
+  // Each window follows its own folder.
+  ASSERT_EQ(Navigate(first, m_other), L"ok");
+  ExpectRestored(WaitForBar(first, false));
+  ExpectLaidOut(WaitForBar(second, true), ExpectedBarHeight());
+  ASSERT_EQ(Navigate(second, m_sibling), L"ok");
+  ExpectRestored(WaitForBar(second, false));
+  ASSERT_EQ(Navigate(first, m_sync), L"ok");
+  ExpectLaidOut(WaitForBar(first, true), ExpectedBarHeight());
+
+  // Closing the newer window leaves the older one working.
+  ASSERT_EQ(m_explorer->Command(L"close " + std::to_wstring(second)), L"ok");
+  ASSERT_EQ(Navigate(first, m_other), L"ok");
+  ExpectRestored(WaitForBar(first, false));
+}
+
+}  // namespace
+}  // namespace integrationtest

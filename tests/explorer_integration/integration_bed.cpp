@@ -1,0 +1,227 @@
+#include "integration_bed.h"
+
+#include <shlobj.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "platform/handles.h"
+#include "platform/module_path.h"
+
+namespace integrationtest {
+
+namespace {
+
+constexpr wchar_t kClsid[] = L"{5B1E7C20-3F4A-4D2E-9C61-0A8D2E47B913}";
+constexpr wchar_t kHalvexKey[] = L"Software\\varnowe\\Halvex";
+constexpr wchar_t kUser[] = L"u0123456789";  // 11 characters: the shortest name the add-in takes
+
+bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+  corvane::unique_hkey handle;
+  if (::RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, handle.put(), nullptr) != ERROR_SUCCESS) {
+    return false;
+  }
+  return ::RegSetValueExW(handle.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                          static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+std::vector<std::wstring> LogFiles() {
+  std::vector<std::wstring> names;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(corvane::ClientFolder() + L"log\\Corvane", error)) {
+    names.push_back(entry.path().wstring());
+  }
+  return names;
+}
+
+std::wstring ReadUtf16(const std::wstring& path) {
+  std::ifstream file(std::filesystem::path(path), std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  std::wstring text(bytes.size() / 2, L'\0');
+  for (size_t i = 0; i < text.size(); ++i) {
+    text[i] = static_cast<wchar_t>(static_cast<unsigned char>(bytes[2 * i]) | static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
+  }
+  if (!text.empty() && text.front() == 0xFEFF) text.erase(0, 1);
+  return text;
+}
+
+struct FindBar {
+  HWND found = nullptr;
+};
+
+BOOL CALLBACK FindBarProc(HWND hwnd, LPARAM lParam) {
+  wchar_t name[64] = {};
+  ::GetClassNameW(hwnd, name, 64);
+  if (std::wstring(name) != kBarClass) return TRUE;
+  reinterpret_cast<FindBar*>(lParam)->found = hwnd;
+  return FALSE;
+}
+
+RECT InClient(HWND window, HWND client) {
+  RECT rc{};
+  ::GetWindowRect(window, &rc);
+  ::MapWindowPoints(nullptr, client, reinterpret_cast<POINT*>(&rc), 2);
+  return rc;
+}
+
+}  // namespace
+
+bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
+  const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;
+  for (;;) {
+    if (condition()) return true;
+    if (::GetTickCount64() >= deadline) return false;
+    ::Sleep(20);
+  }
+}
+
+void ExplorerIntegration::SetUp() {
+  DeleteClientState();
+  m_logsBefore = LogFiles();
+  // The client and DPI tool stand-ins inherit their record files from the stand-in Explorer; the
+  // client stays alive a while, as the real one does, so a running client is seen as running.
+  m_clients = std::make_unique<launchertest::StandinSession>();
+  ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"60000");
+
+  m_scratch = std::make_unique<standintest::ScratchFolder>();
+  m_sync = ShellPath(m_scratch->MakeFolder(L"Sync"));
+  m_sibling = ShellPath(m_scratch->MakeFolder(L"Sync2"));
+  m_inside = ShellPath(m_scratch->MakeFolder(L"Sync\\Inside"));
+  m_other = ShellPath(m_scratch->MakeFolder(L"Elsewhere"));
+  Publish(L"1", L"1", m_sync);
+
+  // Explorer finds helper objects machine-wide only (Wine reads no per-user classes).
+  const std::wstring classKey = std::wstring(L"SOFTWARE\\Classes\\CLSID\\") + kClsid;
+  const std::wstring helperKey =
+      std::wstring(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\") + kClsid;
+  for (const std::wstring& key : {classKey, helperKey}) {
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+    m_written.push_back(key);
+  }
+  const std::wstring dll = corvane::ThisModuleFolder() + L"Corvane.dll";
+  ASSERT_TRUE(WriteString(HKEY_LOCAL_MACHINE, classKey + L"\\InprocServer32", nullptr, dll) &&
+              WriteString(HKEY_LOCAL_MACHINE, classKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"));
+  corvane::unique_hkey helper;
+  ASSERT_EQ(::RegCreateKeyExW(HKEY_LOCAL_MACHINE, helperKey.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, helper.put(), nullptr),
+            ERROR_SUCCESS);
+
+  RestartExplorer();
+}
+
+void ExplorerIntegration::RestartExplorer() {
+  if (m_explorer) {
+    ASSERT_TRUE(m_explorer->Quit().has_value());
+  }
+  m_explorer = std::make_unique<standintest::StandinSession>(m_scratch->Root());
+  ASSERT_TRUE(m_explorer->Connect()) << "the stand-in's channel did not appear";
+}
+
+void ExplorerIntegration::TearDown() {
+  if (m_explorer) {
+    const auto code = m_explorer->Quit();
+    EXPECT_TRUE(code.has_value() && *code == 0) << "the stand-in did not end cleanly; log:\n"
+                                                 << testing::PrintToString(m_explorer->LogText());
+    m_explorer.reset();
+  }
+  for (const std::wstring& key : m_written) ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+  DeleteClientState();
+  m_clients.reset();
+  m_scratch.reset();
+}
+
+void ExplorerIntegration::Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath) {
+  const std::wstring userKey = std::wstring(kHalvexKey) + L"\\" + kUser;
+  ASSERT_TRUE(WriteString(HKEY_CURRENT_USER, kHalvexKey, L"currentUser", kUser) &&
+              WriteString(HKEY_CURRENT_USER, userKey, L"bLogin", login) &&
+              WriteString(HKEY_CURRENT_USER, userKey, L"bOpenSync", openSync) &&
+              WriteString(HKEY_CURRENT_USER, userKey, L"syncPath", syncPath));
+}
+
+void ExplorerIntegration::DeleteClientState() { ::RegDeleteTreeW(HKEY_CURRENT_USER, kHalvexKey); }
+
+std::wstring ExplorerIntegration::ShellPath(const std::wstring& path) {
+  corvane::unique_pidl pidl;
+  if (FAILED(::SHParseDisplayName(path.c_str(), nullptr, pidl.put(), 0, nullptr))) return path;
+  wchar_t buffer[MAX_PATH] = {};
+  return ::SHGetPathFromIDListW(pidl.get(), buffer) ? std::wstring(buffer) : path;
+}
+
+BarState ExplorerIntegration::Bar(int id) {
+  BarState state;
+  const HWND frame = m_explorer->Handle(id, L"frame");
+  const HWND view = m_explorer->Handle(id, L"duiview");
+  const HWND list = m_explorer->Handle(id, L"directui");
+  FindBar find;
+  ::EnumChildWindows(frame, &FindBarProc, reinterpret_cast<LPARAM>(&find));
+  state.bar = find.found;
+  if (state.bar == nullptr || view == nullptr) return state;
+  state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
+  state.barInView = InClient(state.bar, view);
+  state.listInView = InClient(list, view);
+  ::GetClientRect(view, &state.view);
+  return state;
+}
+
+BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
+  BarState state;
+  WaitUntil(
+      [&] {
+        state = Bar(id);
+        // Laid out as well, not merely the bar's visibility changed: the list below the bar, or the
+        // list back at the top of a view whose bar is hidden.
+        if (state.bar == nullptr || state.shown != shown) return false;
+        return shown ? state.listInView.top == state.barInView.bottom : state.listInView.top == 0;
+      },
+      timeoutMs);
+  return state;
+}
+
+int ExplorerIntegration::ExpectedBarHeight() {
+  // The PNG header holds the height big-endian at bytes 20..23. A bar re-measuring at this moment
+  // rewrites the file, so a read that finds it empty is tried again.
+  int height = 0;
+  WaitUntil(
+      [&] {
+        std::ifstream file(std::filesystem::path(corvane::ThisModuleFolder() + L"CorvaneSkin\\detection.png"),
+                           std::ios::binary);
+        unsigned char header[24] = {};
+        file.read(reinterpret_cast<char*>(header), sizeof header);
+        height = header[20] << 24 | header[21] << 16 | header[22] << 8 | header[23];
+        return height > 0;
+      },
+      1000);
+  return height * 16 / 10;
+}
+
+std::vector<std::wstring> ExplorerIntegration::LogLines() const {
+  std::vector<std::wstring> lines;
+  for (const std::wstring& path : LogFiles()) {
+    if (std::find(m_logsBefore.begin(), m_logsBefore.end(), path) != m_logsBefore.end()) continue;
+    const std::wstring text = ReadUtf16(path);
+    size_t start = 0;
+    while (start < text.size()) {
+      size_t end = text.find(L'\n', start);
+      if (end == std::wstring::npos) end = text.size();
+      std::wstring line = text.substr(start, end - start);
+      if (!line.empty() && line.back() == L'\r') line.pop_back();
+      lines.push_back(std::move(line));
+      start = end + 1;
+    }
+  }
+  return lines;
+}
+
+size_t ExplorerIntegration::CountLog(const std::wstring& text) const {
+  const std::vector<std::wstring> lines = LogLines();
+  return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) {
+    return line.size() >= text.size() && line.compare(line.size() - text.size(), text.size(), text) == 0;
+  }));
+}
+
+std::wstring ExplorerIntegration::Navigate(int id, const std::wstring& location) {
+  return m_explorer->Command(L"navigate " + std::to_wstring(id) + L" " + location);
+}
+
+}  // namespace integrationtest

@@ -1,0 +1,75 @@
+#pragma once
+// The test bed for the add-in inside the Explorer stand-in: the helper object registered the way
+// Explorer finds it, the client's published state under a scratch Halvex key, a scratch folder tree
+// with the sync folder, the client and DPI tool stand-ins recording their starts, and the add-in's
+// own log read back.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "../client_launcher/standin_session.h"
+#include "../explorer_standin/scratch_folder.h"
+#include "../explorer_standin/standin_session.h"
+
+namespace integrationtest {
+
+inline constexpr UINT kBrowseObject = WM_USER + 218;
+inline constexpr wchar_t kBarClass[] = L"CorvaneTitleWindow";
+
+// Where the bar is, seen from outside the stand-in.
+struct BarState {
+  HWND bar = nullptr;
+  bool shown = false;        // visible and a child of the view window
+  RECT barInView{};          // in the view window's client coordinates
+  RECT listInView{};         // the DirectUIHWND file list, likewise
+  RECT view{};               // the view window's client rectangle
+};
+
+class ExplorerIntegration : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // The client's state: signed in with sync on, or the given values; syncPath as the client writes it.
+  static void Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath);
+  static void DeleteClientState();
+
+  // A folder's path as the shell spells it (what the add-in reads back from a PIDL).
+  static std::wstring ShellPath(const std::wstring& path);
+
+  BarState Bar(int id);
+  // Polls until the bar's visibility is `shown` (and, shown, laid out) or timeoutMs passes.
+  BarState WaitForBar(int id, bool shown, DWORD timeoutMs = 2000);
+  // The bar's height: the re-measured caption picture's height times 1.6, truncated.
+  static int ExpectedBarHeight();
+
+  // The lines of the add-in's log files written since the test began.
+  std::vector<std::wstring> LogLines() const;
+  size_t CountLog(const std::wstring& text) const;
+
+  std::wstring Navigate(int id, const std::wstring& location);
+  // A fresh stand-in Explorer, which takes up the environment as it is now.
+  void RestartExplorer();
+
+  std::unique_ptr<launchertest::StandinSession> m_clients;
+  std::unique_ptr<standintest::ScratchFolder> m_scratch;
+  std::unique_ptr<standintest::StandinSession> m_explorer;
+  std::wstring m_sync;      // the sync folder, as the shell spells it, without a trailing backslash
+  std::wstring m_sibling;   // <sync>2: begins with the sync folder's name
+  std::wstring m_inside;    // <sync>\Inside
+  std::wstring m_other;     // a folder elsewhere
+
+ private:
+  std::vector<std::wstring> m_logsBefore;
+  std::vector<std::wstring> m_written;
+};
+
+// Polls condition every 20 ms until it holds or timeoutMs passes; its last answer.
+bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs);
+
+}  // namespace integrationtest
