@@ -39,3 +39,33 @@ set_value usedSpace 879609302220
 no_value advertisingId
 shoot "bar-1400-light-zoom1.5-no-promotion" 1400 1.5 light
 set_value advertisingId spring-2026
+
+# The add-in inside the Explorer stand-in, on the sample sync folder. Registration is not built yet,
+# so the demo writes the helper object's class and the key Explorer loads helper objects from.
+clsid='{5B1E7C20-3F4A-4D2E-9C61-0A8D2E47B913}'
+class_key="HKLM\\SOFTWARE\\Classes\\CLSID\\$clsid"
+helper_key="HKLM\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\$clsid"
+dll="Z:$(echo "$demo/shell/Corvane.dll" | tr / '\\')"
+run reg add "$class_key\\InprocServer32" /ve /t REG_SZ /d "$dll" /f >/dev/null 2>&1
+run reg add "$class_key\\InprocServer32" /v ThreadingModel /t REG_SZ /d Apartment /f >/dev/null 2>&1
+run reg add "$helper_key" /f >/dev/null 2>&1
+mkdir -p "$build/demo/explorer"
+cp "$build/testbed/Halvex/explorer/explorer.exe" "$build/demo/explorer/"
+# A script file carries the Chinese folder name whatever the shell's locale.
+script=$build/demo/explorer/open-sync.txt
+printf '\xEF\xBB\xBFopen C:\\HalvexDemo\\同步盘\r\nsleep 5000\r\nquit\r\n' > "$script"
+theme_key='HKCU\Software\Microsoft\Windows\CurrentVersion\Themes\Personalize'
+for theme in light dark; do
+  value=1; [ "$theme" = dark ] && value=0
+  run reg add "$theme_key" /v AppsUseLightTheme /t REG_DWORD /d $value /f >/dev/null 2>&1
+  (cd "$build/demo/explorer" && run ./explorer.exe --width=1200 --height=520 \
+      --script="Z:$(echo "$script" | tr / '\\')" >/dev/null 2>&1) &
+  pid=$!
+  sleep 4
+  import -display "$DISPLAY" -window root -crop 1400x620+0+0 +repage "$shots/explorer-sync-folder-$theme.png" 2>/dev/null || true
+  wait "$pid" || true
+  echo "   $shots/explorer-sync-folder-$theme.png"
+done
+run reg delete "$theme_key" /v AppsUseLightTheme /f >/dev/null 2>&1 || true
+run reg delete "$helper_key" /f >/dev/null 2>&1 || true
+run reg delete "$class_key" /f >/dev/null 2>&1 || true

@@ -2,9 +2,28 @@
 
 #include <utility>
 
+#include "client/theme.h"
+
 namespace explorer_standin {
 
 namespace {
+
+// Explorer's view follows the apps theme: so does the stand-in's, so that what the add-in draws
+// over it (the bar takes its parent's background) is seen as in a dark Explorer.
+enum class ViewColour { Background, Band };
+
+COLORREF ViewRgb(ViewColour colour) {
+  const bool dark = theme::IsDarkTheme();
+  if (colour == ViewColour::Band) return dark ? RGB(43, 43, 43) : ::GetSysColor(COLOR_BTNFACE);
+  return dark ? RGB(25, 25, 25) : ::GetSysColor(COLOR_WINDOW);
+}
+
+void FillView(HDC dc, const RECT& rect, ViewColour colour) {
+  ::SetDCBrushColor(dc, ViewRgb(colour));
+  ::FillRect(dc, &rect, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
+}
+
+COLORREF ViewText() { return theme::IsDarkTheme() ? RGB(255, 255, 255) : ::GetSysColor(COLOR_WINDOWTEXT); }
 
 constexpr int kTitleHeight = 30;
 constexpr int kRowHeight = 22;
@@ -41,7 +60,7 @@ LRESULT DuiViewWindow::OnSize(UINT, WPARAM, LPARAM lParam, bool&) {
 
 LRESULT DuiViewWindow::OnEraseBackground(UINT, WPARAM wParam, LPARAM, bool&) {
   const RECT client = ClientRect(m_hWnd);
-  ::FillRect(reinterpret_cast<HDC>(wParam), &client, ::GetSysColorBrush(COLOR_WINDOW));
+  FillView(reinterpret_cast<HDC>(wParam), client, ViewColour::Background);
   return 1;
 }
 
@@ -80,7 +99,7 @@ LRESULT DirectUiWindow::OnPaint(UINT, WPARAM, LPARAM, bool&) {
 
 void DirectUiWindow::Paint(HDC dc) {
   const RECT client = ClientRect(m_hWnd);
-  ::FillRect(dc, &client, ::GetSysColorBrush(COLOR_WINDOW));
+  FillView(dc, client, ViewColour::Background);
   if (m_child != nullptr) return;  // a container: its child paints
 
   if (!m_font) {
@@ -92,13 +111,13 @@ void DirectUiWindow::Paint(HDC dc) {
   ::SetBkMode(dc, TRANSPARENT);
 
   RECT title{0, 0, client.right, kTitleHeight};
-  ::FillRect(dc, &title, ::GetSysColorBrush(COLOR_BTNFACE));
-  ::SetTextColor(dc, ::GetSysColor(COLOR_BTNTEXT));
+  FillView(dc, title, ViewColour::Band);
+  ::SetTextColor(dc, ViewText());
   RECT titleText{12, 0, client.right - 12, kTitleHeight};
   ::DrawTextW(dc, m_title.c_str(), static_cast<int>(m_title.size()), &titleText,
               DT_SINGLELINE | DT_VCENTER | DT_PATH_ELLIPSIS | DT_NOPREFIX);
 
-  ::SetTextColor(dc, ::GetSysColor(COLOR_WINDOWTEXT));
+  ::SetTextColor(dc, ViewText());
   int top = kTitleHeight + 4;
   for (size_t index = 0; index < m_rows.size() && top < client.bottom; ++index, top += kRowHeight) {
     if (index % 2 == 1) {
