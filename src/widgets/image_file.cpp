@@ -34,7 +34,8 @@ bool CImageFile::Open(const std::wstring& path) {
   std::vector<BYTE> bytes;
   if (!ReadWholeFile(path, bytes)) return false;
   // SHCreateMemStream keeps its own copy of the bytes.
-  m_stream.Attach(::SHCreateMemStream(bytes.data(), static_cast<UINT>(bytes.size())));
+  // The stream is created with one reference, which this owner takes (mingw-w64's Attach adds another).
+  *m_stream.ReleaseAndGetAddressOf() = ::SHCreateMemStream(bytes.data(), static_cast<UINT>(bytes.size()));
   if (!m_stream) return false;
   auto bitmap = std::make_unique<Gdiplus::Bitmap>(m_stream.Get());
   if (bitmap->GetLastStatus() != Gdiplus::Ok || bitmap->GetWidth() == 0 || bitmap->GetHeight() == 0) {
