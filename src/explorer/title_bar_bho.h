@@ -7,12 +7,10 @@
 #include <shobjidl.h>
 #include <wrl/client.h>
 
+#include "corvane_h.h"
 #include "explorer/browser_event_sink.h"
 #include "explorer/explorer_window.h"
 #include "platform/com_object.h"
-
-// {5b1e7c20-3f4a-4d2e-9c61-0a8d2e47b913}
-inline constexpr CLSID CLSID_TitleBarBHO = {0x5b1e7c20, 0x3f4a, 0x4d2e, {0x9c, 0x61, 0x0a, 0x8d, 0x2e, 0x47, 0xb9, 0x13}};
 
 class CTitleBarBHO : public corvane::ComObject<CTitleBarBHO, IObjectWithSite> {
  public:
