@@ -9,6 +9,24 @@ namespace regUtil {
 using detail::CUserValues;
 using detail::Level;
 
+namespace {
+
+// Both sync readers open the same two flags with the same message (cut short at "exis", as the
+// log has always shown it, so tools that match it keep working) and log them the same way.
+bool OpenLoginAndSync(const wchar_t* function, CUserValues& values, std::wstring& login, std::wstring& openSync) {
+  if (!values.Open(function, Level::Info, {L"bLogin", L"bOpenSync"},
+                   L"%s not exist or %s\\bLogin not exist or %s\\bOpenSync not exis")) {
+    return false;
+  }
+  login = values.Read(L"bLogin");
+  openSync = values.Read(L"bOpenSync");
+  LOG_DEBUG(function, L"%s\\bLogin value = %s, %s\\bOpenSync value = %s", values.Path(), login.c_str(),
+            values.Path(), openSync.c_str());
+  return true;
+}
+
+}  // namespace
+
 bool getCurrentUser(std::wstring& currentUser) noexcept {
   constexpr const wchar_t* kFunction = L"regUtil::getCurrentUser";
   try {
@@ -39,14 +57,8 @@ bool checkReadyLoginNotOpenSync() noexcept {
   constexpr const wchar_t* kFunction = L"regUtil::checkReadyLoginNotOpenSync";
   try {
     CUserValues values;
-    if (!values.Open(kFunction, Level::Info, {L"bLogin", L"bOpenSync"},
-                     L"%s not exist or %s\\bLogin not exist or %s\\bOpenSync not exis")) {
-      return false;
-    }
-    const std::wstring login = values.Read(L"bLogin");
-    const std::wstring openSync = values.Read(L"bOpenSync");
-    LOG_DEBUG(kFunction, L"%s\\bLogin value = %s, %s\\bOpenSync value = %s", values.Path(), login.c_str(),
-              values.Path(), openSync.c_str());
+    std::wstring login, openSync;
+    if (!OpenLoginAndSync(kFunction, values, login, openSync)) return false;
     return StrToInt(login) == 1 && StrToInt(openSync) < 1;
   } catch (...) {
     return false;
@@ -57,14 +69,8 @@ bool checkReadyLoginAndOpenSync(std::wstring& syncPath) noexcept {
   constexpr const wchar_t* kFunction = L"regUtil::checkReadyLoginAndOpenSync";
   try {
     CUserValues values;
-    if (!values.Open(kFunction, Level::Info, {L"bLogin", L"bOpenSync"},
-                     L"%s not exist or %s\\bLogin not exist or %s\\bOpenSync not exis")) {
-      return false;
-    }
-    const std::wstring login = values.Read(L"bLogin");
-    const std::wstring openSync = values.Read(L"bOpenSync");
-    LOG_DEBUG(kFunction, L"%s\\bLogin value = %s, %s\\bOpenSync value = %s", values.Path(), login.c_str(),
-              values.Path(), openSync.c_str());
+    std::wstring login, openSync;
+    if (!OpenLoginAndSync(kFunction, values, login, openSync)) return false;
     if (!(StrToInt(login) == 1 && StrToInt(openSync) >= 1 && values.Has(L"syncPath"))) {
       LOG_DEBUG(kFunction, L"%s\\syncPath value invalid", values.Path());
       return false;
