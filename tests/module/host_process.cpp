@@ -19,7 +19,7 @@ std::wstring FromUtf8(const std::string& text) {
 
 }  // namespace
 
-HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
+HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls) {
   HostRun run;
   SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
   corvane::unique_handle readEnd, writeEnd;
@@ -34,6 +34,7 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
   startup.hStdOutput = writeEnd.get();
   startup.hStdError = writeEnd.get();
   std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"";
+  if (!calls.empty()) commandLine += L" " + calls;
   PROCESS_INFORMATION info{};
   if (!::CreateProcessW(host.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
                         &startup, &info)) {
