@@ -50,14 +50,16 @@ HRESULT Format(wchar_t* buffer, size_t size, const wchar_t* format, ...) {
   return written < 0 ? HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER) : S_OK;
 }
 
-const GUID& ClsidOf(Folder folder) { return folder == Folder::MyComputer ? CLSID_MyShellFolder : CLSID_MyShellFolder1; }
+const GUID& ClsidOf(NamespaceFolder folder) {
+  return folder == NamespaceFolder::MyComputer ? CLSID_MyShellFolder : CLSID_MyShellFolder1;
+}
 
 HRESULT NotFoundIsSuccess(HRESULT hr) { return hr == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) ? S_OK : hr; }
 
 }  // namespace
 
-std::vector<FolderEntry> FolderTable(Folder folder, const wchar_t* clsid, const wchar_t* libid) {
-  if (folder == Folder::MyComputer) {
+std::vector<FolderEntry> FolderTable(NamespaceFolder folder, const wchar_t* clsid, const wchar_t* libid) {
+  if (folder == NamespaceFolder::MyComputer) {
     return {
         {HKEY_CLASSES_ROOT, kClsidKey, clsid, nullptr, kName, REG_SZ},
         {HKEY_CLASSES_ROOT, kClsidKey, clsid, L"InfoTip", kInfoTip, REG_SZ},
@@ -92,7 +94,7 @@ std::vector<FolderEntry> FolderTable(Folder folder, const wchar_t* clsid, const 
   };
 }
 
-HRESULT RegisterFolder(Folder folder) {
+HRESULT RegisterFolder(NamespaceFolder folder) {
   wchar_t clsid[kBuffer] = {};
   wchar_t libid[kBuffer] = {};
   wchar_t modulePath[kBuffer] = {};
@@ -129,7 +131,7 @@ HRESULT RegisterFolder(Folder folder) {
   return hr;
 }
 
-HRESULT UnregisterFolder(Folder folder) {
+HRESULT UnregisterFolder(NamespaceFolder folder) {
   wchar_t clsid[kBuffer] = {};
   ::StringFromGUID2(ClsidOf(folder), clsid, kBuffer);
 
@@ -138,7 +140,8 @@ HRESULT UnregisterFolder(Folder folder) {
   if (SUCCEEDED(hrClsid)) hrClsid = NotFoundIsSuccess(HRESULT_FROM_WIN32(::RegDeleteTreeW(HKEY_CLASSES_ROOT, clsidKey)));
 
   wchar_t nameSpaceKey[kBuffer] = {};
-  HRESULT hrNameSpace = Format(nameSpaceKey, kBuffer, folder == Folder::MyComputer ? kMyComputerKey : kDesktopKey, clsid);
+  const wchar_t* nameSpaceFormat = folder == NamespaceFolder::MyComputer ? kMyComputerKey : kDesktopKey;
+  HRESULT hrNameSpace = Format(nameSpaceKey, kBuffer, nameSpaceFormat, clsid);
   if (SUCCEEDED(hrNameSpace)) {
     hrNameSpace = HRESULT_FROM_WIN32(::RegDeleteTreeW(HKEY_CURRENT_USER, nameSpaceKey));
     // Deliberately tests the CLSID step's result, not this step's own: that one was already made
@@ -154,7 +157,7 @@ HRESULT UnregisterFolder(Folder folder) {
   }
 
   HRESULT hrHidden = S_OK;
-  if (folder == Folder::Desktop) {
+  if (folder == NamespaceFolder::Desktop) {
     wchar_t hiddenKey[512] = {};
     hrHidden = Format(hiddenKey, 512, L"%s", kNewStartPanelKey);
     if (SUCCEEDED(hrHidden)) {

@@ -16,17 +16,17 @@ struct FolderEntry {
 };
 
 // Which folder a table or a removal is about.
-enum class Folder { MyComputer, Desktop };
+enum class NamespaceFolder { MyComputer, Desktop };
 
 // The folder's table, in writing order, with `clsid` and `libid` (braced upper-case forms) bound
 // where the entries name them; the strings must outlive the table.
-std::vector<FolderEntry> FolderTable(Folder folder, const wchar_t* clsid, const wchar_t* libid);
+std::vector<FolderEntry> FolderTable(NamespaceFolder folder, const wchar_t* clsid, const wchar_t* libid);
 
 // Writes the folder's table; a key that cannot be created stops the walk and unregisters the whole
 // server. SELFREG_E_CLASS or a formatting failure on error.
-HRESULT RegisterFolder(Folder folder);
+HRESULT RegisterFolder(NamespaceFolder folder);
 
 // S_OK, or SELFREG_E_CLASS when a removal step failed (all steps run).
-HRESULT UnregisterFolder(Folder folder);
+HRESULT UnregisterFolder(NamespaceFolder folder);
 
 }  // namespace corvane::registration

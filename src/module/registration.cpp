@@ -56,15 +56,15 @@ HRESULT UnregisterModule() {
 
 HRESULT RegisterServer() {
   const HRESULT module = RegisterModule();
-  const HRESULT first = RegisterFolder(Folder::MyComputer);
-  const HRESULT second = RegisterFolder(Folder::Desktop);
+  const HRESULT first = RegisterFolder(NamespaceFolder::MyComputer);
+  const HRESULT second = RegisterFolder(NamespaceFolder::Desktop);
   return AllSucceeded(module, first, second) ? S_OK : SELFREG_E_CLASS;
 }
 
 HRESULT UnregisterServer() {
   const HRESULT module = UnregisterModule();
-  const HRESULT first = UnregisterFolder(Folder::MyComputer);
-  const HRESULT second = UnregisterFolder(Folder::Desktop);
+  const HRESULT first = UnregisterFolder(NamespaceFolder::MyComputer);
+  const HRESULT second = UnregisterFolder(NamespaceFolder::Desktop);
   return AllSucceeded(module, first, second) ? S_OK : SELFREG_E_CLASS;
 }
 
