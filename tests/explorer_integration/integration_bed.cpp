@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "host_process.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr wchar_t kClsid[] = L"{5B1E7C20-3F4A-4D2E-9C61-0A8D2E47B913}";
 constexpr wchar_t kHalvexKey[] = L"Software\\varnowe\\Halvex";
+constexpr wchar_t kHelperObjects[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\";
 constexpr wchar_t kUser[] = L"u0123456789";  // 11 characters: the shortest name the add-in takes
 
 bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
@@ -25,6 +27,14 @@ bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const 
   }
   return ::RegSetValueExW(handle.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                           static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+}
+
+void Regsvr32(const std::wstring& switches) {
+  wchar_t system[MAX_PATH] = {};
+  ::GetSystemDirectoryW(system, MAX_PATH);
+  const moduletest::HostRun run =
+      moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", corvane::ThisModuleFolder() + L"Corvane.dll", switches);
+  EXPECT_TRUE(run.finished);
 }
 
 std::vector<std::wstring> LogFiles() {
@@ -92,20 +102,13 @@ void ExplorerIntegration::SetUp() {
   m_other = ShellPath(m_scratch->MakeFolder(L"Elsewhere"));
   Publish(L"1", L"1", m_sync);
 
-  // Explorer finds helper objects machine-wide only (Wine reads no per-user classes).
-  const std::wstring classKey = std::wstring(L"SOFTWARE\\Classes\\CLSID\\") + kClsid;
-  const std::wstring helperKey =
-      std::wstring(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\") + kClsid;
-  for (const std::wstring& key : {classKey, helperKey}) {
-    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
-    m_written.push_back(key);
-  }
-  const std::wstring dll = corvane::ThisModuleFolder() + L"Corvane.dll";
-  ASSERT_TRUE(WriteString(HKEY_LOCAL_MACHINE, classKey + L"\\InprocServer32", nullptr, dll) &&
-              WriteString(HKEY_LOCAL_MACHINE, classKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"));
+  // The helper object is registered as an installer registers it: Wine's regsvr32 on the built DLL
+  // (machine-wide, since Explorer finds helper objects there only).
+  Regsvr32(L"/s");
+  m_registered = true;
   corvane::unique_hkey helper;
-  ASSERT_EQ(::RegCreateKeyExW(HKEY_LOCAL_MACHINE, helperKey.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, helper.put(), nullptr),
-            ERROR_SUCCESS);
+  ASSERT_EQ(::RegOpenKeyExW(HKEY_LOCAL_MACHINE, (std::wstring(kHelperObjects) + kClsid).c_str(), 0, KEY_READ, helper.put()),
+            ERROR_SUCCESS) << "registration did not list the helper object";
 
   RestartExplorer();
 }
@@ -125,7 +128,8 @@ void ExplorerIntegration::TearDown() {
                                                  << testing::PrintToString(m_explorer->LogText());
     m_explorer.reset();
   }
-  for (const std::wstring& key : m_written) ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+  if (m_registered) Regsvr32(L"/s /u");
+  m_registered = false;
   DeleteClientState();
   m_clients.reset();
   m_scratch.reset();

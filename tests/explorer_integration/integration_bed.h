@@ -66,7 +66,7 @@ class ExplorerIntegration : public ::testing::Test {
 
  private:
   std::vector<std::wstring> m_logsBefore;
-  std::vector<std::wstring> m_written;
+  bool m_registered = false;
 };
 
 // Polls condition every 20 ms until it holds or timeoutMs passes; its last answer.

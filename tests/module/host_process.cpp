@@ -19,7 +19,7 @@ std::wstring FromUtf8(const std::string& text) {
 
 }  // namespace
 
-HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
+HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls) {
   HostRun run;
   SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
   corvane::unique_handle readEnd, writeEnd;
@@ -34,6 +34,7 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
   startup.hStdOutput = writeEnd.get();
   startup.hStdError = writeEnd.get();
   std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"";
+  if (!calls.empty()) commandLine += L" " + calls;
   PROCESS_INFORMATION info{};
   if (!::CreateProcessW(host.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
                         &startup, &info)) {
@@ -45,7 +46,8 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
   // Only the child holds the write end now, so the pipe ends when it exits.
   writeEnd.reset();
 
-  // The output is a few hundred bytes, far below the pipe's buffer: waiting first cannot block the child.
+  // The output is a few hundred bytes, far below the pipe's buffer: waiting first cannot block the child,
+  // and after the wait everything it wrote is in the pipe.
   if (::WaitForSingleObject(process.get(), 20000) != WAIT_OBJECT_0) {
     ::TerminateProcess(process.get(), 99);
     ADD_FAILURE() << testing::PrintToString(host) << " did not finish";
@@ -57,7 +59,13 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll) {
   std::string bytes;
   char buffer[4096];
   DWORD read = 0;
-  while (::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) bytes.append(buffer, read);
+  // Only what the child wrote is read: a helper it started (Wine starts its desktop process for a
+  // program that touches the window station) may inherit the write end and keep the pipe open.
+  DWORD available = 0;
+  while (::PeekNamedPipe(readEnd.get(), nullptr, 0, nullptr, &available, nullptr) && available > 0 &&
+         ::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
+    bytes.append(buffer, read);
+  }
   run.output = FromUtf8(bytes);
   size_t start = 0;
   while (start < run.output.size()) {

@@ -15,8 +15,9 @@ struct HostRun {
   std::wstring output;
 };
 
-// Starts `host` with the DLL path as its argument and waits for it (a few seconds at most).
-HostRun RunHost(const std::wstring& host, const std::wstring& dll);
+// Starts `host` with the DLL path as its argument, followed by `calls` when given, and waits for it
+// (a few seconds at most).
+HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls = std::wstring());
 
 // The folder this test program runs from, ending in a backslash (the DLL lies here too).
 std::wstring ProgramFolder();

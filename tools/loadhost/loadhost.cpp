@@ -1,10 +1,13 @@
 // A stand-in host process for Corvane.dll's host check. Copies of this program run under the names
 // the check decides on (explorer.exe, regsvr32.exe, other names); each loads the DLL given on its
-// command line and, once loaded, calls the class-factory and registration entry points, then frees it.
+// command line and, once loaded, calls the class-factory entry points, then frees it.
+// With calls after the DLL path it makes those calls instead, in order, each in this one process:
+//   register | unregister | install:<0|1>[:<command line>]   (no command line: a null pointer)
 // Output, one "key=value" per line in UTF-8:
 //   host=<path this process reports for itself>
 //   load=ok | load=failed error=<Win32 error>
-//   DllGetClassObject=0x........ object=null|set, DllCanUnloadNow=0x........, DllRegisterServer=0x........
+//   DllGetClassObject=0x........ object=null|set, DllCanUnloadNow=0x........
+//   or one DllRegisterServer=, DllUnregisterServer= or DllInstall=0x........ line per call
 //   free=ok | free=failed
 // Exit code: 0 loaded and freed, 2 the load failed, 3 an entry point is missing or the free failed,
 // 1 bad usage.
@@ -46,11 +49,37 @@ Fn Export(HMODULE module, const char* name) {
   return reinterpret_cast<Fn>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
 }
 
+// The registration calls named on the command line; false when one is unknown or missing.
+bool RunCalls(HMODULE library, int count, wchar_t** calls) {
+  using NoArgumentFn = HRESULT(WINAPI*)();
+  using InstallFn = HRESULT(WINAPI*)(BOOL, LPCWSTR);
+  const auto registerServer = Export<NoArgumentFn>(library, "DllRegisterServer");
+  const auto unregisterServer = Export<NoArgumentFn>(library, "DllUnregisterServer");
+  const auto install = Export<InstallFn>(library, "DllInstall");
+  if (registerServer == nullptr || unregisterServer == nullptr || install == nullptr) return false;
+  for (int i = 0; i < count; ++i) {
+    const std::wstring call = calls[i];
+    if (call == L"register") {
+      Print("DllRegisterServer=" + Hex(registerServer()));
+    } else if (call == L"unregister") {
+      Print("DllUnregisterServer=" + Hex(unregisterServer()));
+    } else if (call.starts_with(L"install:") && call.size() >= 9) {
+      const BOOL doInstall = call[8] == L'1';
+      const std::wstring commandLine = call.size() > 10 ? call.substr(10) : std::wstring();
+      Print("DllInstall=" + Hex(install(doInstall, call.size() > 9 ? commandLine.c_str() : nullptr)));
+    } else {
+      Print("unknown call " + Utf8(call));
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-  if (argc != 2) {
-    Print("usage: <host>.exe <full path of the DLL>");
+  if (argc < 2) {
+    Print("usage: <host>.exe <full path of the DLL> [register|unregister|install:<0|1>[:<command line>]]...");
     return 1;
   }
   wchar_t self[MAX_PATH] = {};
@@ -64,12 +93,21 @@ int wmain(int argc, wchar_t** argv) {
   }
   Print("load=ok");
 
+  if (argc > 2) {
+    if (!RunCalls(library.get(), argc - 2, argv + 2)) {
+      Print("missing export or bad call");
+      return 3;
+    }
+    const bool freed = ::FreeLibrary(library.release()) != FALSE;
+    Print(freed ? "free=ok" : "free=failed");
+    return freed ? 0 : 3;
+  }
+
   using GetClassObjectFn = HRESULT(WINAPI*)(REFCLSID, REFIID, void**);
   using NoArgumentFn = HRESULT(WINAPI*)();
   const auto getClassObject = Export<GetClassObjectFn>(library.get(), "DllGetClassObject");
   const auto canUnloadNow = Export<NoArgumentFn>(library.get(), "DllCanUnloadNow");
-  const auto registerServer = Export<NoArgumentFn>(library.get(), "DllRegisterServer");
-  if (getClassObject == nullptr || canUnloadNow == nullptr || registerServer == nullptr) {
+  if (getClassObject == nullptr || canUnloadNow == nullptr) {
     Print("missing export");
     return 3;
   }
@@ -78,7 +116,6 @@ int wmain(int argc, wchar_t** argv) {
   const HRESULT classResult = getClassObject(kUnknownClsid, IID_IClassFactory, &object);
   Print("DllGetClassObject=" + Hex(classResult) + " object=" + (object == nullptr ? "null" : "set"));
   Print("DllCanUnloadNow=" + Hex(canUnloadNow()));
-  Print("DllRegisterServer=" + Hex(registerServer()));
 
   // The free is what is being observed here, so its result is reported rather than left to the owner.
   const bool freed = ::FreeLibrary(library.release()) != FALSE;

@@ -1,0 +1,100 @@
+// The registrar script grammar: what a script means, and the mistakes it must refuse.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/registrar_script.h"
+
+namespace {
+
+using namespace corvane::core::rgs;
+
+// A compact, unambiguous rendering of a parsed tree: marks as prefixes, values after '=', blocks
+// in braces.
+std::string Render(const std::vector<Node>& nodes) {
+  std::string out;
+  for (const Node& node : nodes) {
+    if (!out.empty()) out += ' ';
+    if (node.mark == Mark::NoRemove) out += "NR:";
+    if (node.mark == Mark::ForceRemove) out += "FR:";
+    if (node.mark == Mark::Delete) out += "DEL:";
+    out.append(node.isNamedValue ? "val:<" : "<").append(node.name).append(">");
+    if (node.value && node.value->type == ValueType::Dword) out.append("=d").append(std::to_string(node.value->number));
+    if (node.value && node.value->type == ValueType::String) out.append("=s<").append(node.value->text).append(">");
+    if (!node.children.empty()) out.append("{").append(Render(node.children)).append("}");
+  }
+  return out;
+}
+
+std::string Render(const Script& script) {
+  std::string out;
+  for (const Root& root : script.roots) {
+    out.append("[").append(std::to_string(static_cast<int>(root.hive))).append("]{");
+    out.append(Render(root.children)).append("}");
+  }
+  return out;
+}
+
+TEST(RegistrarScript, ParsesWhatTheScriptsSay) {
+  const Replacements replacements{{"MODULE", "C:\\it's here\\Corvane.dll"}};
+  const struct {
+    const char* text;
+    const char* tree;
+  } cases[] = {
+      {"HKCR\r\n{\r\n}\r\n", "[0]{}"},
+      {"\xEF\xBB\xBFHKCR { }", "[0]{}"},
+      {"hkey_local_machine { } HKCU { }", "[2]{}[1]{}"},
+      // Marks, a key with a default value and a block, a key without either, nesting.
+      {"HKCR { NoRemove CLSID { ForceRemove {5B1E} = s 'Class' { ForceRemove Programmable "
+       "InprocServer32 = s '%MODULE%' { val ThreadingModel = s 'Apartment' } } } Delete Old }",
+       "[0]{NR:<CLSID>{FR:<{5B1E}>=s<Class>{FR:<Programmable> <InprocServer32>=s<C:\\it's here\\Corvane.dll>"
+       "{val:<ThreadingModel>=s<Apartment>}}} DEL:<Old>}"},
+      // Quotes keep spaces, braces and '=' in a name; '' is one quote; %% is one percent sign.
+      {"HKLM { NoRemove 'Browser Helper Objects' { '{ = }' = s 'it''s 100%%' } }",
+       "[2]{NR:<Browser Helper Objects>{<{ = }>=s<it's 100%>}}"},
+      {"HKLM { k { ForceRemove val '{5B}' = s '2' val n = d '4294967295' val h = d '0x42' val e = s '' } }",
+       "[2]{<k>{FR:val:<{5B}>=s<2> val:<n>=d4294967295 val:<h>=d66 val:<e>=s<>}}"},
+      // A key named like a keyword only when quoted.
+      {"HKCR { 'val' 'NoRemove' }", "[0]{<val> <NoRemove>}"},
+  };
+  for (const auto& c : cases) {
+    ParseError error;
+    const std::optional<Script> script = Parse(c.text, replacements, &error);
+    ASSERT_TRUE(script.has_value()) << c.text << "\n" << error.message << " at " << error.offset;
+    EXPECT_EQ(Render(*script), c.tree) << c.text;
+  }
+}
+
+TEST(RegistrarScript, RefusesBrokenScripts) {
+  const Replacements replacements{{"MODULE", "x"}};
+  const struct {
+    const char* text;
+    std::size_t offset;
+  } cases[] = {
+      {"HKCR {", 6},                             // block never closed
+      {"HKCR { a { }", 12},                      // inner block closed, outer not
+      {"HKXX { }", 0},                           // unknown root
+      {"'HKCR' { }", 0},                         // a quoted root is a name, not a hive
+      {"HKCR }", 5},                             // no opening brace
+      {"HKCR { a = b 'x' }", 11},                // unknown value type
+      {"HKCR { a = s }", 13},                    // type without data
+      {"HKCR { val a }", 13},                    // named value without data
+      {"HKCR { val a { } }", 13},                // named value with a block
+      {"HKCR { a = d '12x' }", 13},              // not a number
+      {"HKCR { a = d '4294967296' }", 13},       // past 32 bits
+      {"HKCR { a = s 'open }", 13},              // unterminated quote
+      {"HKCR { a = s '%NAME%' }", 13},           // no such replacement
+      {"HKCR { a = s '100%' }", 13},             // lone percent sign
+      {"HKCR { 'a\\b' }", 7},                    // a path where one key level belongs
+      {"HKCR { ForceRemove }", 19},              // mark without a name
+      {"HKCR { = s 'x' }", 7},                   // value without a name
+  };
+  for (const auto& c : cases) {
+    ParseError error;
+    EXPECT_FALSE(Parse(c.text, replacements, &error).has_value()) << c.text;
+    EXPECT_EQ(error.offset, c.offset) << c.text << ": " << error.message;
+    EXPECT_FALSE(error.message.empty()) << c.text;
+  }
+}
+
+}  // namespace
