@@ -1,6 +1,7 @@
 // The login prompt inside the view, hosted by the built DLL: which button shows where, where the
 // background picture lands, what the buttons send to the client, and the step into the sync folder.
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "namespace_fixture.h"
@@ -120,6 +121,31 @@ TEST_F(PromptTest, FacesByStateSizeAndTheme) {
       m_host.reset();
     }
   }
+}
+
+TEST_F(PromptTest, OnlyAColourSetChangeSwitchesTheTheme) {
+  Publish(ClientState::kSignedOut);
+  OpenView(600, 400);
+  const HWND prompt = Prompt();
+  const RECT login = RectIn(Button(prompt, 0), prompt);
+  // A corner of the prompt, and a point inside the button's picture.
+  const auto colours = [&] {
+    // The handler leaves repainting to whoever changed the setting.
+    ::RedrawWindow(prompt, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    const std::vector<DWORD> pixels = Capture(prompt, 600, 400);
+    const size_t inButton = static_cast<size_t>(login.top + 20) * 600 + login.left + 10;
+    return std::make_pair(pixels[5 * 600 + 5], pixels[inButton]);
+  };
+  const auto light = colours();
+  EXPECT_EQ(light.first, 0xFFFFFFu);
+
+  SetDarkTheme(true);
+  ::SendMessageW(prompt, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"immersivecolorset"));
+  EXPECT_EQ(colours(), light) << "the setting's name is compared exactly";
+  ::SendMessageW(prompt, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
+  const auto dark = colours();
+  EXPECT_EQ(dark.first, 0x202020u);
+  EXPECT_NE(dark.second, light.second) << "the button shows its dark picture";
 }
 
 TEST_F(PromptTest, ButtonsSendTheirCommands) {
