@@ -148,6 +148,31 @@ TEST_F(PromptTest, OnlyAColourSetChangeSwitchesTheTheme) {
   EXPECT_NE(dark.second, light.second) << "the button shows its dark picture";
 }
 
+TEST_F(PromptTest, HoverShowsTheHoverPictureWhereThereIsOne) {
+  // The login button has a light hover picture and none for dark, where it keeps its dark face.
+  for (const bool dark : {false, true}) {
+    SetDarkTheme(dark);
+    Publish(ClientState::kSignedOut);
+    OpenView(600, 400);
+    const HWND prompt = Prompt();
+    const HWND button = Button(prompt, 0);
+    const RECT login = RectIn(button, prompt);
+    const auto pixel = [&] {
+      ::RedrawWindow(button, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+      return Capture(prompt, 600, 400)[static_cast<size_t>(login.top + 20) * 600 + login.left + 10];
+    };
+    const DWORD normal = pixel();
+    POINT centre{62, 20};
+    ::ClientToScreen(button, &centre);
+    ::SetCursorPos(centre.x, centre.y);
+    ::SendMessageW(button, WM_MOUSEMOVE, 0, MAKELPARAM(62, 20));
+    EXPECT_EQ(pixel() != normal, !dark) << (dark ? "dark" : "light");
+    ::SendMessageW(button, WM_MOUSELEAVE, 0, 0);
+    EXPECT_EQ(pixel(), normal);
+    m_host.reset();
+  }
+}
+
 TEST_F(PromptTest, ButtonsSendTheirCommands) {
   struct ClickCase {
     ClientState state;
