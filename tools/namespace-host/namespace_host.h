@@ -7,6 +7,7 @@
 #include <shobjidl.h>
 #include <wrl/client.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
