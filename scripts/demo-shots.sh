@@ -69,3 +69,29 @@ done
 run reg delete "$theme_key" /v AppsUseLightTheme /f >/dev/null 2>&1 || true
 run reg delete "$helper_key" /f >/dev/null 2>&1 || true
 run reg delete "$class_key" /f >/dev/null 2>&1 || true
+
+# The namespace folder's view with its login prompt, in the namespace host's plain frame: signed out
+# and signed in without sync, at sizes that pick each layout, light and dark.
+shoot_prompt() {  # name width height login open_sync light|dark
+  local name=$1 width=$2 height=$3 login=$4 sync=$5 theme=$6
+  set_value bLogin "$login"
+  set_value bOpenSync "$sync"
+  local value=1; [ "$theme" = dark ] && value=0
+  run reg add "$theme_key" /v AppsUseLightTheme /t REG_DWORD /d $value /f >/dev/null 2>&1
+  (cd "$demo/shell/namespace-host" && run ./explorer.exe --width="$width" --height="$height" --seconds=4 >/dev/null 2>&1) &
+  local pid=$!
+  sleep 3
+  import -display "$DISPLAY" -window root -crop "${width}x${height}+0+0" +repage "$shots/$name.png" 2>/dev/null || true
+  wait "$pid" || true
+  echo "   $shots/$name.png"
+}
+for theme in light dark; do
+  shoot_prompt "prompt-signed-out-900x600-$theme" 900 600 0 0 "$theme"
+  shoot_prompt "prompt-no-sync-900x900-$theme" 900 900 1 0 "$theme"
+  shoot_prompt "prompt-no-sync-873x900-$theme" 873 900 1 0 "$theme"
+  shoot_prompt "prompt-no-sync-436x600-$theme" 436 600 1 0 "$theme"
+done
+shoot_prompt "prompt-signed-out-700x500-light" 700 500 0 0 light
+set_value bLogin 1
+set_value bOpenSync 1
+run reg delete "$theme_key" /v AppsUseLightTheme /f >/dev/null 2>&1 || true

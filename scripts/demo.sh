@@ -18,6 +18,8 @@ rm -rf "$build/demo"
 mkdir -p "$build/demo"
 cp -r "$build/dist/Halvex" "$demo"
 cp "$build/demo-host/explorer.exe" "$demo/shell/"
+# The namespace view's host, one folder below the DLL it loads.
+cp -r "$build/testbed/Halvex/shell/namespace-host" "$demo/shell/"
 
 # The sample account: a sync folder and a picture inside the prefix's C: drive.
 sample=$CORVANE_WINEPREFIX/drive_c/HalvexDemo

@@ -1,14 +1,18 @@
 #include "module/corvane_module.h"
 
 #include "explorer/title_bar_bho.h"
+#include "namespace/my_shell_folder.h"
+#include "namespace/my_shell_view.h"
 #include "platform/module_lock.h"
 
 CCorvaneModule g_CorvaneModule;
 
 std::span<const corvane::ClassEntry> CCorvaneModule::ClassTable() noexcept {
-  // The view and the namespace folders join the helper object when they are built.
   static const corvane::ClassEntry table[] = {
       corvane::ClassEntryFor<CTitleBarBHO>(CLSID_TitleBarBHO),
+      corvane::ClassEntryFor<CMyShellView>(CLSID_MyShellView),
+      corvane::ClassEntryFor<CMyShellFolder>(CLSID_MyShellFolder),
+      corvane::ClassEntryFor<CMyShellFolder1>(CLSID_MyShellFolder1),
   };
   return table;
 }

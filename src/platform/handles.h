@@ -1,6 +1,7 @@
 #pragma once
 // The handle kinds the add-in owns, one alias each. Business code never closes a handle by hand.
 #include <windows.h>
+#include <ole2.h>
 #include <shlobj.h>
 #include <tlhelp32.h>
 
@@ -101,6 +102,30 @@ class scoped_window_dc {
  private:
   HWND m_window;
   HDC m_dc;
+};
+
+// A window registered as an OLE drop target; revoked while the window still exists, which also
+// drops the reference OLE holds on the target.
+class scoped_drag_drop {
+ public:
+  scoped_drag_drop() noexcept = default;
+  scoped_drag_drop(const scoped_drag_drop&) = delete;
+  scoped_drag_drop& operator=(const scoped_drag_drop&) = delete;
+  ~scoped_drag_drop() { reset(); }
+  HRESULT Register(HWND window, IDropTarget* target) noexcept {
+    reset();
+    const HRESULT hr = ::RegisterDragDrop(window, target);
+    if (SUCCEEDED(hr)) m_window = window;
+    return hr;
+  }
+  void reset() noexcept {
+    if (m_window != nullptr) ::RevokeDragDrop(m_window);
+    m_window = nullptr;
+  }
+  explicit operator bool() const noexcept { return m_window != nullptr; }
+
+ private:
+  HWND m_window = nullptr;
 };
 
 // A critical section owned by an object (the logger's only lock).

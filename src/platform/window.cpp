@@ -20,15 +20,17 @@ std::vector<std::wstring>& RegisteredClasses() {
 
 }  // namespace
 
-ATOM RegisterModuleWindowClass(const wchar_t* className, WNDPROC procedure, HCURSOR cursor) {
+ATOM RegisterModuleWindowClass(const wchar_t* className, WNDPROC procedure, HCURSOR cursor, UINT style,
+                               HBRUSH background) {
   std::lock_guard<std::mutex> guard(ClassesLock());
   WNDCLASSEXW existing{sizeof(existing)};
   if (const ATOM atom = static_cast<ATOM>(::GetClassInfoExW(ThisModule(), className, &existing))) return atom;
   WNDCLASSEXW wc{sizeof(wc)};
-  wc.style = CS_DBLCLKS;
+  wc.style = style;
   wc.lpfnWndProc = procedure;
   wc.hInstance = ThisModule();
   wc.hCursor = cursor;
+  wc.hbrBackground = background;
   wc.lpszClassName = className;
   const ATOM atom = ::RegisterClassExW(&wc);
   if (atom != 0) RegisteredClasses().emplace_back(className);

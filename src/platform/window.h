@@ -29,7 +29,8 @@ namespace corvane {
 
 // Registers a window class of this module once; remembered so the module can unregister its
 // classes when it unloads (a class left behind would point into a freed module).
-ATOM RegisterModuleWindowClass(const wchar_t* className, WNDPROC procedure, HCURSOR cursor);
+ATOM RegisterModuleWindowClass(const wchar_t* className, WNDPROC procedure, HCURSOR cursor, UINT style = CS_DBLCLKS,
+                               HBRUSH background = nullptr);
 void UnregisterModuleWindowClasses() noexcept;
 
 template <class Derived>
@@ -58,7 +59,10 @@ class Window {
   // Creates the window; rect null means CW_USEDEFAULT for top-level windows and an empty
   // rectangle for children.
   HWND Create(HWND parent, const RECT* rect, const wchar_t* text, DWORD style, DWORD exStyle = 0, UINT_PTR id = 0) {
-    if (RegisterModuleWindowClass(Derived::kClassName, &Window::WindowProc, Derived::ClassCursor()) == 0) return nullptr;
+    if (RegisterModuleWindowClass(Derived::kClassName, &Window::WindowProc, Derived::ClassCursor(), Derived::ClassStyle(),
+                                  Derived::ClassBackground()) == 0) {
+      return nullptr;
+    }
     const bool child = (style & WS_CHILD) != 0;
     int x = child ? 0 : CW_USEDEFAULT, y = child ? 0 : CW_USEDEFAULT;
     int cx = child ? 0 : CW_USEDEFAULT, cy = child ? 0 : CW_USEDEFAULT;
@@ -79,6 +83,9 @@ class Window {
 
   // The default cursor of the class; buttons that set their own cursor return null.
   static HCURSOR ClassCursor() noexcept { return ::LoadCursorW(nullptr, IDC_ARROW); }
+  // The class style and background brush; windows that follow a system class layout override them.
+  static UINT ClassStyle() noexcept { return CS_DBLCLKS; }
+  static HBRUSH ClassBackground() noexcept { return nullptr; }
 
   HWND m_hWnd = nullptr;
 

@@ -1,0 +1,60 @@
+#pragma once
+// The prompt's picture button: light and dark pictures, a hover picture for each theme and a
+// disabled pair, painted over the prompt's background colour; WM_COMMAND (BN_CLICKED) to the
+// parent on a completed click.
+#include <windows.h>
+
+#include <array>
+#include <span>
+#include <string>
+
+#include "platform/handles.h"
+#include "platform/window.h"
+
+class CCustomButton final : public corvane::Window<CCustomButton> {
+ public:
+  static constexpr const wchar_t* kClassName = L"CorvaneCustomButton";
+  static HCURSOR ClassCursor() noexcept { return ::LoadCursorW(nullptr, IDC_HAND); }
+  static std::span<const MessageEntry> MessageMap();
+
+  // Which picture a paint shows.
+  enum Face : int { kNormal, kDark, kHover, kHoverDark, kDisabled, kDisabledDark, kFaceCount };
+
+  CCustomButton() = default;
+
+  // Paths relative to the module folder; an empty path leaves its face without a picture.
+  void SetImages(const std::wstring& normal, const std::wstring& dark, const std::wstring& hover);
+  void SetHoverDarkImage(const std::wstring& hoverDark);
+  void SetDisabledImages(const std::wstring& disabled, const std::wstring& disabledDark);
+  void SetSize(int width, int height) noexcept;
+  void SetName(const std::wstring& name);
+  void SetDarkMode(bool dark);
+  // Stores the flag and enables or disables the window.
+  void Enable(bool enable);
+
+  // The face a paint would use now, after falling back from a face that has no picture.
+  Face CurrentFace() const noexcept;
+  const std::wstring& GetName() const noexcept { return m_strName; }
+  bool IsHovered() const noexcept { return m_bHovered; }
+
+ private:
+  LRESULT OnPaint(UINT, WPARAM, LPARAM, bool&);
+  LRESULT OnEraseBkgnd(UINT, WPARAM, LPARAM, bool&) { return 1; }
+  LRESULT OnMouseMove(UINT, WPARAM, LPARAM, bool&);
+  LRESULT OnMouseLeave(UINT, WPARAM, LPARAM, bool&);
+  LRESULT OnLButtonDown(UINT, WPARAM, LPARAM, bool&);
+  LRESULT OnLButtonUp(UINT, WPARAM, LPARAM lParam, bool&);
+
+  void Load(Face face, const std::wstring& path);
+  void Repaint() noexcept;
+
+  std::array<corvane::unique_hbitmap, kFaceCount> m_images;
+  corvane::unique_hbrush m_hBackground;  // the prompt's colour behind the picture's transparent parts
+  std::wstring m_strName;
+  int m_nWidth = 0;
+  int m_nHeight = 0;
+  bool m_bDark = false;
+  bool m_bEnabled = true;
+  bool m_bHovered = false;
+  bool m_bPressed = false;
+};

@@ -1,0 +1,219 @@
+// Both namespace folder classes as Explorer meets them: created through the built DLL's class
+// factory and asked the questions Explorer asks.
+#include <windows.h>
+#include <shlobj.h>
+#include <shobjidl.h>
+#include <wrl/client.h>
+
+#include <cstring>
+
+#include "corvane_h.h"
+#include "namespace_fixture.h"
+#include "platform/handles.h"
+
+namespace nstest {
+namespace {
+
+using Microsoft::WRL::ComPtr;
+
+struct FolderClass {
+  const char* name;
+  const CLSID* clsid;
+  const IID* dual;
+  const wchar_t* parsingPath;
+};
+
+const FolderClass kClasses[] = {
+    {"MyShellFolder", &CLSID_MyShellFolder, &IID_IMyShellFolder,
+     L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a40}"},
+    {"MyShellFolder1", &CLSID_MyShellFolder1, &IID_IMyShellFolder1,
+     L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a42}"},
+};
+
+std::wstring NameOf(IShellFolder* folder, PCUITEMID_CHILD pidl, SHGDNF flags, HRESULT& hr) {
+  STRRET name{};
+  hr = folder->GetDisplayNameOf(pidl, flags, &name);
+  if (FAILED(hr)) return L"";
+  EXPECT_EQ(name.uType, static_cast<UINT>(STRRET_WSTR));
+  corvane::unique_cotaskmem_string text(name.pOleStr);
+  return text.get();
+}
+
+class FolderTest : public ::testing::TestWithParam<FolderClass> {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
+    m_host = std::make_unique<nshost::NamespaceHost>();
+    ASSERT_EQ(m_host->LoadFolder(DllPath(), *GetParam().clsid), S_OK);
+    m_folder = m_host->Folder();
+  }
+  void TearDown() override {
+    m_folder.Reset();
+    m_host.reset();
+    ::OleUninitialize();
+  }
+  std::unique_ptr<nshost::NamespaceHost> m_host;
+  ComPtr<IShellFolder> m_folder;
+};
+
+TEST_P(FolderTest, NamesClassAndInterfaces) {
+  const FolderClass& c = GetParam();
+  HRESULT hr = E_FAIL;
+  EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_NORMAL, hr), L"Halvex同步盘");
+  EXPECT_EQ(hr, S_OK);
+  EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_INFOLDER | SHGDN_FORADDRESSBAR, hr), L"Halvex同步盘");
+  EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_FORPARSING, hr), c.parsingPath);
+  EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_FORPARSING | SHGDN_INFOLDER, hr), c.parsingPath);
+  // A child item has no name: the folder has no items.
+  const struct {
+    USHORT cb;
+    BYTE data[4];
+    USHORT end;
+  } child = {6, {1, 2, 3, 4}, 0};
+  NameOf(m_folder.Get(), reinterpret_cast<PCUITEMID_CHILD>(&child), SHGDN_NORMAL, hr);
+  EXPECT_EQ(hr, E_INVALIDARG);
+  EXPECT_EQ(m_folder->GetDisplayNameOf(nullptr, SHGDN_NORMAL, nullptr), E_INVALIDARG);
+
+  ComPtr<IPersist> persist;
+  ASSERT_EQ(m_folder.As(&persist), S_OK);
+  CLSID clsid{};
+  EXPECT_EQ(persist->GetClassID(&clsid), S_OK);
+  EXPECT_TRUE(IsEqualCLSID(clsid, *c.clsid));
+
+  // Every interface of the map, and one identity behind them.
+  const IID* interfaces[] = {c.dual, &IID_IDispatch, &IID_IExplorerPaneVisibility, &IID_IPersist, &IID_IPersistFolder,
+                             &IID_IPersistFolder2, &IID_IShellFolder, &IID_IShellFolder2};
+  ComPtr<IUnknown> identity;
+  ASSERT_EQ(m_folder.As(&identity), S_OK);
+  for (const IID* iid : interfaces) {
+    ComPtr<IUnknown> piece, back;
+    ASSERT_EQ(m_folder->QueryInterface(*iid, &piece), S_OK);
+    ASSERT_EQ(piece.As(&back), S_OK);
+    EXPECT_EQ(back.Get(), identity.Get());
+  }
+  ComPtr<IUnknown> none;
+  EXPECT_EQ(m_folder->QueryInterface(IID_IShellView, &none), E_NOINTERFACE);
+}
+
+TEST_P(FolderTest, RemembersItsIdListAndRefusesItems) {
+  ComPtr<IPersistFolder2> persist;
+  ASSERT_EQ(m_folder.As(&persist), S_OK);
+  PIDLIST_ABSOLUTE current = reinterpret_cast<PIDLIST_ABSOLUTE>(1);
+  EXPECT_EQ(persist->GetCurFolder(&current), S_FALSE);
+  EXPECT_EQ(current, nullptr);
+  EXPECT_EQ(persist->GetCurFolder(nullptr), E_POINTER);
+
+  corvane::unique_pidl location;
+  ASSERT_EQ(::SHParseDisplayName(L"C:\\windows", nullptr, location.put(), 0, nullptr), S_OK);
+  ASSERT_EQ(persist->Initialize(location.get()), S_OK);
+  corvane::unique_pidl copy;
+  ASSERT_EQ(persist->GetCurFolder(copy.put()), S_OK);
+  ASSERT_NE(copy.get(), location.get());
+  ASSERT_EQ(::ILGetSize(copy.get()), ::ILGetSize(location.get()));
+  EXPECT_EQ(std::memcmp(copy.get(), location.get(), ::ILGetSize(location.get())), 0);
+  // A null list forgets the stored one.
+  ASSERT_EQ(persist->Initialize(nullptr), S_OK);
+  EXPECT_EQ(persist->GetCurFolder(copy.put()), S_FALSE);
+
+  ComPtr<IEnumIDList> items;
+  EXPECT_EQ(m_folder->EnumObjects(nullptr, SHCONTF_FOLDERS, &items), E_NOTIMPL);
+  EXPECT_EQ(items.Get(), nullptr);
+  void* untouched = reinterpret_cast<void*>(0x1234);
+  EXPECT_EQ(m_folder->BindToObject(nullptr, nullptr, IID_IShellFolder, &untouched), S_OK);
+  EXPECT_EQ(untouched, reinterpret_cast<void*>(0x1234));
+  void* ui = reinterpret_cast<void*>(0x1234);
+  EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);
+  EXPECT_EQ(ui, nullptr);
+}
+
+TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
+  ComPtr<IDropTarget> target;
+  EXPECT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&target)), E_NOTIMPL);
+  EXPECT_EQ(target.Get(), nullptr);
+  EXPECT_EQ(m_folder->CreateViewObject(nullptr, IID_IShellView, nullptr), E_POINTER);
+  ComPtr<IShellView> first, second;
+  ASSERT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&first)), S_OK);
+  ASSERT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&second)), S_OK);
+  EXPECT_NE(first.Get(), second.Get());
+  // The view is the drop target and the dual interface too.
+  ComPtr<IDropTarget> drop;
+  EXPECT_EQ(first.As(&drop), S_OK);
+  ComPtr<IMyShellView> dual;
+  EXPECT_EQ(first.As(&dual), S_OK);
+}
+
+TEST_P(FolderTest, AttributesColumnsAndPanes) {
+  struct AttributeCase {
+    UINT count;
+    bool childItem;
+    SFGAOF in;
+    SFGAOF out;
+  };
+  const struct {
+    USHORT cb;
+    BYTE data[2];
+    USHORT end;
+  } child = {4, {7, 8}, 0};
+  const USHORT empty = 0;
+  const AttributeCase cases[] = {
+      {0, false, 0xFFFFFFFF, 0xF8000000},
+      {0, false, SFGAO_FOLDER | SFGAO_CANCOPY, SFGAO_FOLDER},
+      {1, false, 0xFFFFFFFF, 0xF8000000},  // an empty ID list is the folder itself
+      {1, true, 0xFFFFFFFF, 0xFFFFFFFF},   // items keep what the caller asked
+  };
+  for (const AttributeCase& c : cases) {
+    PCUITEMID_CHILD item = c.childItem ? reinterpret_cast<PCUITEMID_CHILD>(&child)
+                                       : reinterpret_cast<PCUITEMID_CHILD>(&empty);
+    SFGAOF attributes = c.in;
+    EXPECT_EQ(m_folder->GetAttributesOf(c.count, c.count ? &item : nullptr, &attributes), S_OK);
+    EXPECT_EQ(attributes, c.out) << c.count << " " << c.childItem;
+  }
+
+  ComPtr<IShellFolder2> folder2;
+  ASSERT_EQ(m_folder.As(&folder2), S_OK);
+  for (UINT column = 0; column < 4; ++column) {
+    SHCOLSTATEF state = 0xABCD;
+    EXPECT_EQ(folder2->GetDefaultColumnState(column, &state), column < 3 ? S_OK : E_INVALIDARG);
+    EXPECT_EQ(state, column < 3 ? 0x11u : 0xABCDu) << column;
+  }
+  ULONG sort = 9, display = 9;
+  EXPECT_EQ(folder2->GetDefaultColumn(0, &sort, &display), S_OK);
+  EXPECT_EQ(sort + display, 0u);
+
+  ComPtr<IExplorerPaneVisibility> panes;
+  ASSERT_EQ(m_folder.As(&panes), S_OK);
+  const GUID ribbon = {0xd27524a8, 0xc9f2, 0x4834, {0xa1, 0x06, 0xdf, 0x88, 0x89, 0xfd, 0x4f, 0x37}};
+  const GUID navigation = {0xcb316b22, 0x25f7, 0x42b8, {0x8a, 0x09, 0x54, 0x0d, 0x23, 0xa4, 0x3c, 0x2f}};
+  EXPLORERPANESTATE state = 0x77;
+  EXPECT_EQ(panes->GetPaneState(ribbon, &state), S_OK);
+  EXPECT_EQ(state, 0x20001u);
+  state = 0x77;
+  EXPECT_EQ(panes->GetPaneState(navigation, &state), S_OK);
+  EXPECT_EQ(state, 0x77u);
+}
+
+TEST_P(FolderTest, DispatchComesFromTheEmbeddedTypeLibrary) {
+  ComPtr<IDispatch> dispatch;
+  ASSERT_EQ(m_folder.As(&dispatch), S_OK);
+  UINT count = 0;
+  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 1u);
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(dispatch->GetTypeInfo(0, 0, &info), S_OK);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  EXPECT_TRUE(IsEqualIID(attributes->guid, *GetParam().dual));
+  info->ReleaseTypeAttr(attributes);
+  EXPECT_EQ(dispatch->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
+  // No methods of its own: a name the interface does not have is unknown.
+  wchar_t name[] = L"Frobnicate";
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, 0, &id), DISP_E_UNKNOWNNAME);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothClasses, FolderTest, ::testing::ValuesIn(kClasses),
+                         [](const ::testing::TestParamInfo<FolderClass>& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace nstest

@@ -1,0 +1,104 @@
+#include "namespace_fixture.h"
+
+#include <ole2.h>
+
+#include "corvane_h.h"
+#include "platform/module_path.h"
+
+namespace nstest {
+
+namespace {
+
+const wchar_t kRoot[] = L"Software\\varnowe\\Halvex";
+const wchar_t kUser[] = L"u0123456789";
+const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
+
+void SetText(const std::wstring& subkey, const wchar_t* name, const std::wstring& text) {
+  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name, REG_SZ, text.c_str(),
+                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+            ERROR_SUCCESS);
+}
+
+std::wstring Parent(std::wstring path) {
+  if (!path.empty() && path.back() == L'\\') path.pop_back();
+  return path.substr(0, path.rfind(L'\\') + 1);
+}
+
+}  // namespace
+
+// The test program lies in <client>\shell\namespace-tests\; the DLL in <client>\shell\.
+std::wstring DllPath() { return Parent(corvane::ThisModuleFolder()) + L"Corvane.dll"; }
+std::wstring ClientExe() { return Parent(Parent(corvane::ThisModuleFolder())) + L"Halvex.exe"; }
+
+std::string Utf8(const std::wstring& text) {
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
+                                         nullptr);
+  std::string out(static_cast<size_t>(size), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
+  return out;
+}
+
+void NamespaceTest::SetUp() {
+  ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
+  DWORD size = sizeof(m_savedTheme);
+  m_hadTheme = ::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", RRF_RT_REG_DWORD, nullptr,
+                              &m_savedTheme, &size) == ERROR_SUCCESS;
+  SetDarkTheme(false);
+  m_clients = std::make_unique<launchertest::StandinSession>();
+  m_scratch = std::make_unique<standintest::ScratchFolder>();
+  m_syncFolder = m_scratch->MakeFolder(L"同步盘");
+  Publish(ClientState::kSignedOut);
+}
+
+void NamespaceTest::TearDown() {
+  m_host.reset();
+  nshost::PumpFor(50);
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot);
+  if (m_hadTheme) {
+    ::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", REG_DWORD, &m_savedTheme,
+                      sizeof(m_savedTheme));
+  } else {
+    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme");
+  }
+  EXPECT_TRUE(launchertest::WaitForNoClient());
+  m_scratch.reset();
+  m_clients.reset();
+  ::OleUninitialize();
+}
+
+void NamespaceTest::Publish(ClientState state) {
+  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot);
+  const std::wstring userKey = std::wstring(kRoot) + L"\\" + kUser;
+  SetText(kRoot, L"currentUser", kUser);
+  SetText(userKey, L"bLogin", state == ClientState::kSignedOut ? L"0" : L"1");
+  SetText(userKey, L"bOpenSync", state == ClientState::kSyncReady ? L"1" : L"0");
+  SetText(userKey, L"syncPath", m_syncFolder);
+}
+
+void NamespaceTest::SetDarkTheme(bool dark) {
+  const DWORD light = dark ? 0 : 1;
+  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", REG_DWORD, &light, sizeof(light)),
+            ERROR_SUCCESS);
+}
+
+void NamespaceTest::OpenView(int width, int height) {
+  m_host = std::make_unique<nshost::NamespaceHost>();
+  ASSERT_EQ(m_host->LoadFolder(DllPath(), CLSID_MyShellFolder), S_OK);
+  ASSERT_EQ(m_host->OpenView(width, height), S_OK);
+  ::UpdateWindow(m_host->Frame());
+  nshost::PumpFor(100);
+}
+
+HWND NamespaceTest::Prompt() const { return ::FindWindowExW(m_host->ViewWindow(), nullptr, L"CorvaneMainWindow", nullptr); }
+
+size_t NamespaceTest::CommandCount() const { return launchertest::ReadRecords(m_clients->ClientRecord()).size(); }
+
+std::wstring NamespaceTest::NextCommand(size_t before) {
+  const auto records = launchertest::WaitForRecords(m_clients->ClientRecord(), before + 1);
+  EXPECT_EQ(records.size(), before + 1);
+  // One client at a time: a second start within 8 seconds would close the start-up gate.
+  EXPECT_TRUE(launchertest::WaitForNoClient());
+  return records.size() > before ? records.back().commandLine : L"";
+}
+
+}  // namespace nstest
