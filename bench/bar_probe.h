@@ -1,7 +1,7 @@
 #pragma once
 // What the bar benchmark watches besides the clock: the files of a folder (a rendered picture is a
 // rewritten file), the paint messages reaching a window tree, pending update regions, and the live
-// objects of the project's own handle owners.
+// objects of the project's own handle owners (live_objects.h).
 #include <windows.h>
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "live_objects.h"
 #include "platform/handles.h"
 #include "platform/subclass.h"
 
@@ -149,37 +150,5 @@ inline std::uint64_t HeapBytesInUse() {
   }
   return busy;
 }
-
-// ---- live handle owners ------------------------------------------------------------------------
-
-template <class Owner>
-struct TraitsOf;
-template <class Traits>
-struct TraitsOf<corvane::unique_resource<Traits>> {
-  using type = Traits;
-};
-template <class Owner>
-long Live() {
-  return corvane::LiveCount<typename TraitsOf<Owner>::type>::value().load();
-}
-
-struct LiveObjects {
-  long bitmap = Live<corvane::unique_hbitmap>();
-  long dc = Live<corvane::unique_hdc>();
-  long font = Live<corvane::unique_hfont>();
-  long brush = Live<corvane::unique_hbrush>();
-  long pen = Live<corvane::unique_hpen>();
-  long region = Live<corvane::unique_hrgn>();
-  long icon = Live<corvane::unique_hicon>();
-  long menu = Live<corvane::unique_hmenu>();
-  long key = Live<corvane::unique_hkey>();
-  long kernel = Live<corvane::unique_handle>();
-  long file = Live<corvane::unique_file>();
-  long find = Live<corvane::unique_find>();
-  long hook = Live<corvane::unique_hhook>();
-  long Total() const noexcept {
-    return bitmap + dc + font + brush + pen + region + icon + menu + key + kernel + file + find + hook;
-  }
-};
 
 }  // namespace bench

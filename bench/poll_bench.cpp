@@ -1,6 +1,5 @@
 // One full client-state poll (what the bar's once-a-second tick and the folder check read) against
-// the floor: the same registry opens and queries, file-attribute checks and debugger lines, made by
-// hand in the same run.
+// the registry floor (registry_floor.h), in the same run.
 #include <windows.h>
 
 #include <cstdio>
@@ -9,100 +8,14 @@
 #include <vector>
 
 #include "bench_util.h"
+#include "registry_floor.h"
 #include "client/registry.h"
 #include "log/logger.h"
 #include "platform/handles.h"
 
 namespace {
 
-const std::wstring kRoot = L"Software\\varnowe\\Halvex";
-const std::wstring kUser = L"bench_user_000001";
-
-void Put(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
-  corvane::unique_hkey handle;
-  if (::RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, handle.put(), nullptr) ==
-      ERROR_SUCCESS) {
-    ::RegSetValueExW(handle.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                     static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-  }
-}
-
-// The floor's reading of one value: the size, then the data.
-std::wstring Query(HKEY key, const wchar_t* name) {
-  DWORD size = 0;
-  if (::RegQueryValueExW(key, name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS || size == 0) return {};
-  std::wstring text(size / 2 + 2, L'\0');
-  ::RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &size);
-  text.resize(wcslen(text.c_str()));
-  return text;
-}
-
-// A debugger line with the logger's prefix shape, formatted by hand.
-void DebugLine(const wchar_t* format, const std::wstring& a, const std::wstring& b = L"") {
-  __time64_t now = 0;
-  _time64(&now);
-  std::tm local{};
-  _localtime64_s(&local, &now);
-  wchar_t line[1024];
-  int n = _snwprintf_s(line, _TRUNCATE, L"[Debug][%04d-%02d-%02d %02d:%02d:%02d.%06d][poll_bench.cpp:1][%d][Floor]",
-                       local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min,
-                       local.tm_sec, 0, static_cast<int>(::GetCurrentThreadId()));
-  if (n < 0) n = 0;
-  _snwprintf_s(line + n, 1024 - n, _TRUNCATE, format, a.c_str(), b.c_str());
-  ::OutputDebugStringW(line);
-}
-
-// Every reader opens the root key and reads the user, then opens the user's key.
-struct FloorReader {
-  corvane::unique_hkey root, user;
-  std::wstring currentUser;
-  bool Open() {
-    if (::RegOpenKeyExW(HKEY_CURRENT_USER, kRoot.c_str(), 0, KEY_READ, root.put()) != ERROR_SUCCESS) return false;
-    currentUser = Query(root.get(), L"currentUser");
-    return ::RegOpenKeyExW(HKEY_CURRENT_USER, (kRoot + L"\\" + currentUser).c_str(), 0, KEY_READ, user.put()) ==
-           ERROR_SUCCESS;
-  }
-};
-
-void FloorPoll() {
-  {  // current user
-    corvane::unique_hkey root;
-    ::RegOpenKeyExW(HKEY_CURRENT_USER, kRoot.c_str(), 0, KEY_READ, root.put());
-    DebugLine(L"currentUser = %s", Query(root.get(), L"currentUser"));
-  }
-  {  // logo
-    FloorReader r;
-    r.Open();
-    const std::wstring logo = Query(r.user.get(), L"userLogoPath");
-    DebugLine(L"userLogoPath = %s", logo);
-    ::GetFileAttributesW(logo.c_str());
-  }
-  {  // capacity
-    FloorReader r;
-    r.Open();
-    DebugLine(L"totalSpace value = %s, usedSpace value = %s", Query(r.user.get(), L"totalSpace"),
-              Query(r.user.get(), L"usedSpace"));
-  }
-  {  // advertising
-    FloorReader r;
-    r.Open();
-    DebugLine(L"advertisingId value = %s, advertisingTitle value = %s", Query(r.user.get(), L"advertisingId"),
-              Query(r.user.get(), L"advertisingTitle"));
-  }
-  {  // zoom
-    corvane::unique_hkey zoom;
-    ::RegOpenKeyExW(HKEY_CURRENT_USER, (kRoot + L"\\dpiZoom").c_str(), 0, KEY_READ, zoom.put());
-    DebugLine(L"dpiZoom = %s", Query(zoom.get(), L"4242"));
-  }
-  {  // the folder check
-    FloorReader r;
-    r.Open();
-    DebugLine(L"bLogin value = %s, bOpenSync value = %s", Query(r.user.get(), L"bLogin"), Query(r.user.get(), L"bOpenSync"));
-    const std::wstring sync = Query(r.user.get(), L"syncPath");
-    DebugLine(L"syncPath = %s", sync);
-    ::GetFileAttributesW(sync.c_str());
-  }
-}
+using namespace bench::registry_floor;
 
 void OurPoll() {
   std::wstring user, logo, id, title, sync;
@@ -129,18 +42,7 @@ int wmain() {
   corvane::unique_file logoFile(::CreateFileW(logo.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
   logoFile.reset();
 
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str());
-  Put(kRoot, L"currentUser", kUser);
-  const std::wstring userKey = kRoot + L"\\" + kUser;
-  Put(userKey, L"bLogin", L"1");
-  Put(userKey, L"bOpenSync", L"1");
-  Put(userKey, L"syncPath", sync);
-  Put(userKey, L"userLogoPath", logo);
-  Put(userKey, L"totalSpace", L"2199023255552");
-  Put(userKey, L"usedSpace", L"879609302220");
-  Put(userKey, L"advertisingId", L"bench-ad");
-  Put(userKey, L"advertisingTitle", L"开通会员，空间翻倍");
-  Put(kRoot + L"\\dpiZoom", L"4242", L"1.25");
+  PublishClientState(sync, logo);
 
   // The readers log through the process logger; without one their debugger lines would be skipped.
   g_pLogger = new LOGGER::CLogger(4, folder + L"\\log", L"Bench");

@@ -74,6 +74,46 @@ TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {
   EXPECT_EQ(CountLog(L"Halvex process not exits, call cx::startCloudApp"), 1u);
 }
 
+// Position changes of the view window are layout passes, except those with no height: a minimised
+// Explorer sends them, and laying the bar out into an empty rectangle would pull the list up.
+TEST_F(ExplorerIntegration, ViewPositionChangeWithoutHeightLaysNothingOut) {
+  const int id = m_explorer->Open(m_sync);
+  ASSERT_NE(id, 0);
+  const BarState laidOut = WaitForBar(id, true);
+  ASSERT_TRUE(laidOut.shown);
+  const HWND view = m_explorer->Handle(id, L"duiview");
+  const HWND list = m_explorer->Handle(id, L"directui");
+  RECT inParent{};
+  ::GetWindowRect(view, &inParent);
+  ::MapWindowPoints(nullptr, ::GetParent(view), reinterpret_cast<POINT*>(&inParent), 2);
+  const int width = inParent.right - inParent.left;
+  const int height = inParent.bottom - inParent.top;
+
+  struct Case {
+    int cy;
+    UINT flags;
+    bool laysOut;
+  };
+  const Case cases[] = {
+      {0, SWP_NOSIZE | SWP_NOMOVE, false},
+      {0, 0, false},
+      {-1, 0, false},
+      // Flags are not looked at: a full-height change with SWP_NOSIZE still lays out.
+      {height, SWP_NOSIZE | SWP_NOMOVE, true},
+  };
+  for (const Case& c : cases) {
+    // The list put back at the top: only a layout pass moves it down again.
+    ASSERT_TRUE(::SetWindowPos(list, nullptr, 0, 0, laidOut.view.right, laidOut.view.bottom, SWP_NOZORDER | SWP_NOACTIVATE));
+    WINDOWPOS wp{view, nullptr, inParent.left, inParent.top, width, c.cy, c.flags};
+    ::SendMessageW(view, WM_WINDOWPOSCHANGING, 0, reinterpret_cast<LPARAM>(&wp));
+    const std::wstring logged = L"CDuiViewWindow::OnWindowPosChanging(x = " + std::to_wstring(inParent.left) + L", y = " +
+                                std::to_wstring(inParent.top) + L", cx = " + std::to_wstring(width) + L", cy = " +
+                                std::to_wstring(c.cy) + L"),m_bManaging = 1";
+    EXPECT_GE(CountLog(logged), 1u) << "cy " << c.cy << ": the view subclass never saw the message";
+    EXPECT_EQ(Bar(id).listInView.top, c.laysOut ? laidOut.listInView.top : 0) << "cy " << c.cy << ", flags " << c.flags;
+  }
+}
+
 TEST_F(ExplorerIntegration, ClientStartedWhenTheBarShowsWithoutOne) {
   // A client that ends at once is never found running: every show starts it again.
   ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"0");

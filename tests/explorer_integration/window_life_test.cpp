@@ -80,6 +80,27 @@ TEST_F(ExplorerIntegration, DpiToolStartsOnAttachOnBarCreationAndOnceAfterMoves)
   EXPECT_EQ(DpiStartsFor(record, frame), settled + 2);
 }
 
+// The browser's connection point counts every Advise and Unadvise of the process: a sink advised a
+// second time, or an Unadvise repeated after OnQuit, shows in these figures.
+TEST_F(ExplorerIntegration, EventSinkAdvisedOnceAndUnadvisedOnceAcrossResiteAndQuit) {
+  const int id = m_explorer->Open(m_sync);
+  ASSERT_NE(id, 0);
+  ASSERT_TRUE(WaitForBar(id, true).shown);
+  EXPECT_EQ(m_explorer->Command(L"connections"), L"ok 1 0 0");
+
+  // A second site while sited: the controller attaches again, the sink stays advised once.
+  EXPECT_EQ(m_explorer->Command(L"resite " + std::to_wstring(id)), L"ok 0x00000000");
+  EXPECT_EQ(m_explorer->Command(L"connections"), L"ok 1 0 0");
+  EXPECT_EQ(CountLog(L"ExplorerWindow OnExplorerAttach() invoked!"), 2u);
+  EXPECT_TRUE(WaitForBar(id, true).shown) << "the bar was lost by the second attach";
+
+  // Closing fires OnQuit, which unadvises, then SetSite(NULL), which must find nothing to unadvise.
+  ASSERT_EQ(m_explorer->Command(L"close " + std::to_wstring(id)), L"ok");
+  EXPECT_EQ(CountLog(L"CTitleBarBHO OnQuit() invoked"), 1u);
+  EXPECT_EQ(CountLog(L"CTitleBarBHO SetSite(0000000000000000) invoked"), 1u);
+  EXPECT_EQ(m_explorer->Command(L"connections"), L"ok 1 1 0") << "advised, unadvised, refused unadvises";
+}
+
 TEST_F(ExplorerIntegration, CloseDetachesJoinsTheTimerAndLetsTheModuleUnload) {
   const int id = m_explorer->Open(m_sync);
   ASSERT_NE(id, 0);

@@ -7,7 +7,9 @@
 #include <sstream>
 #include <utility>
 
+#include "connection_point.h"
 #include "folder_location.h"
+#include "headroom.h"
 #include "standin_log.h"
 
 namespace explorer_standin {
@@ -142,6 +144,29 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
     if (canUnloadNow == nullptr) return Error(L"no DllCanUnloadNow");
     return Ok(HexResult(canUnloadNow()));
   }
+  if (command == L"connections") {
+    const ConnectionTally tally = CountedConnections();
+    return Ok(std::to_wstring(tally.advised) + L" " + std::to_wstring(tally.unadvised) + L" " + std::to_wstring(tally.refused));
+  }
+  if (command == L"footprint") {
+    // Wine answers GetGuiResources with 0, so leaks show as headroom lost; measured here because
+    // GDI handles are counted per process.
+    const bench::Headroom room = bench::MeasureHeadroom();
+    return Ok(std::to_wstring(room.gdi) + L" " + std::to_wstring(room.user) + L" " + std::to_wstring(bench::WorkingSetBytes()));
+  }
+  if (command == L"counter") {
+    const std::wstring name = NextWord(rest);
+    const std::wstring exportName = Trim(rest);
+    if (name.empty() || exportName.empty()) return Error(L"usage: counter <dll name> <export>");
+    const HMODULE module = ::GetModuleHandleW(name.c_str());
+    if (module == nullptr) return Error(L"not loaded");
+    using CounterFn = LONG(WINAPI*)();
+    std::string narrow;
+    for (const wchar_t c : exportName) narrow += static_cast<char>(c);  // export names are ASCII
+    const auto counter = reinterpret_cast<CounterFn>(reinterpret_cast<void*>(::GetProcAddress(module, narrow.c_str())));
+    if (counter == nullptr) return Error(L"no export " + exportName);
+    return Ok(std::to_wstring(counter()));
+  }
   if (command == L"open") {
     const std::wstring location = Trim(rest);
     if (location.empty()) return Error(L"usage: open <location>");
@@ -180,6 +205,13 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
   }
   if (command == L"folder") {
     return onWindow([](ExplorerWindow& target) { return L"ok " + target.CurrentFolder(); });
+  }
+  if (command == L"resite") {
+    return onWindow([](ExplorerWindow& target) {
+      std::wstring results;
+      for (const HRESULT hr : target.SiteHelpersAgain()) results += L" " + HexResult(hr);
+      return L"ok" + results;
+    });
   }
   if (command == L"sync") {
     return onWindow([](ExplorerWindow&) { return std::wstring(L"ok"); });

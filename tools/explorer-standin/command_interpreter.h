@@ -12,6 +12,10 @@
 //   post <id> <msg> <wparam> <lparam>  → ok            PostMessage to the frame
 //   send <id> <msg> <wparam> <lparam>  → ok <result>   SendMessage to the frame
 //   sync <id>                          → ok            returns once work queued before it has run
+//   resite <id>                        → ok <hresult>… SetSite(browser) again on each helper object
+//   connections                        → ok <advised> <unadvised> <refused>  event-sink calls so far
+//   footprint                          → ok <gdi> <user> <working set>  headroom left and bytes
+//   counter <dll name> <export>        → ok <value>    a loaded DLL's exported LONG WINAPI f(void)
 //   windows                            → ok <id> ...
 //   sleep <ms>                         → ok
 //   canunload <dll name>               → ok <hresult>  DllCanUnloadNow of a loaded DLL, "ok unloaded" if none

@@ -3,11 +3,23 @@
 #include <exdisp.h>
 #include <olectl.h>
 
+#include <atomic>
+
 #include "platform/errors.h"
 
 namespace explorer_standin {
 
 using Microsoft::WRL::ComPtr;
+
+namespace {
+
+std::atomic<long> g_advised{0};
+std::atomic<long> g_unadvised{0};
+std::atomic<long> g_refused{0};
+
+}  // namespace
+
+ConnectionTally CountedConnections() noexcept { return ConnectionTally{g_advised.load(), g_unadvised.load(), g_refused.load()}; }
 
 HRESULT EventSinks::Advise(IUnknown* sink, DWORD* cookie) {
   if (cookie == nullptr) return E_POINTER;
@@ -23,6 +35,7 @@ HRESULT EventSinks::Advise(IUnknown* sink, DWORD* cookie) {
   const DWORD assigned = m_nextCookie++;
   m_sinks.emplace(assigned, std::move(dispatch));
   *cookie = assigned;
+  ++g_advised;
   return S_OK;
 }
 
@@ -31,7 +44,11 @@ HRESULT EventSinks::Unadvise(DWORD cookie) {
   {
     std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_sinks.find(cookie);
-    if (found == m_sinks.end()) return CONNECT_E_NOCONNECTION;
+    if (found == m_sinks.end()) {
+      ++g_refused;
+      return CONNECT_E_NOCONNECTION;
+    }
+    ++g_unadvised;
     removed = std::move(found->second);
     m_sinks.erase(found);
   }

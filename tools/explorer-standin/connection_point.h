@@ -13,6 +13,15 @@
 
 namespace explorer_standin {
 
+// Connection calls made on every browser of the process since it started, so a test can see that an
+// add-in advised once and unadvised once, even after the window that counted them has closed.
+struct ConnectionTally {
+  long advised = 0;     // Advise calls that connected a sink
+  long unadvised = 0;   // Unadvise calls that disconnected one
+  long refused = 0;     // Unadvise calls for a cookie that was not connected
+};
+ConnectionTally CountedConnections() noexcept;
+
 // The advised sinks of one browser. Advise and Unadvise may come from any thread; firing happens
 // on the window thread on a copy of the list, so a sink may unadvise from inside its own event.
 class EventSinks {

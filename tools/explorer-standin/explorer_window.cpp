@@ -124,6 +124,11 @@ void ExplorerWindow::Close() {
   if (m_frame.IsWindow()) m_frame.DestroyWindow();
 }
 
+std::vector<HRESULT> ExplorerWindow::SiteHelpersAgain() {
+  if (m_closing || !m_browser) return {};
+  return m_helpers.SiteAgain(static_cast<IShellBrowser*>(m_browser.Get()));
+}
+
 std::wstring ExplorerWindow::CurrentFolder() {
   const Microsoft::WRL::ComPtr<CShellView> view = m_browser ? m_browser->View() : nullptr;
   return view ? ParsingName(view->Pidl()) : std::wstring();

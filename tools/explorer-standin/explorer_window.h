@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "browser.h"
 #include "frame_windows.h"
@@ -44,6 +45,8 @@ class ExplorerWindow final : private FrameEvents {
   HRESULT Navigate(const std::wstring& location);
   void Navigate(corvane::unique_pidl pidl);
   void Close();
+  // The helper objects' results of a second SetSite with this window's browser.
+  std::vector<HRESULT> SiteHelpersAgain();
 
   std::wstring CurrentFolder();
   const WindowHandles& Handles() const noexcept { return m_handles; }

@@ -68,6 +68,15 @@ void HelperObjects::Load(IUnknown* site) {
   }
 }
 
+std::vector<HRESULT> HelperObjects::SiteAgain(IUnknown* site) {
+  std::vector<HRESULT> results;
+  for (const Microsoft::WRL::ComPtr<IObjectWithSite>& object : m_objects) {
+    results.push_back(object->SetSite(site));
+    Log(L"helper object " + HandleText(object.Get()) + L": SetSite again " + HexResult(results.back()));
+  }
+  return results;
+}
+
 void HelperObjects::Unload() noexcept {
   try {
     for (Microsoft::WRL::ComPtr<IObjectWithSite>& object : m_objects) {
