@@ -9,15 +9,7 @@ namespace nstest {
 
 namespace {
 
-const wchar_t kRoot[] = L"Software\\varnowe\\Halvex";
-const wchar_t kUser[] = L"u0123456789";
 const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
-
-void SetText(const std::wstring& subkey, const wchar_t* name, const std::wstring& text) {
-  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name, REG_SZ, text.c_str(),
-                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-            ERROR_SUCCESS);
-}
 
 std::wstring Parent(std::wstring path) {
   if (!path.empty() && path.back() == L'\\') path.pop_back();
@@ -53,7 +45,7 @@ void NamespaceTest::SetUp() {
 void NamespaceTest::TearDown() {
   m_host.reset();
   nshost::PumpFor(50);
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot);
+  testsupport::ClearClientState();
   if (m_hadTheme) {
     ::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", REG_DWORD, &m_savedTheme,
                       sizeof(m_savedTheme));
@@ -66,14 +58,7 @@ void NamespaceTest::TearDown() {
   ::OleUninitialize();
 }
 
-void NamespaceTest::Publish(ClientState state) {
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot);
-  const std::wstring userKey = std::wstring(kRoot) + L"\\" + kUser;
-  SetText(kRoot, L"currentUser", kUser);
-  SetText(userKey, L"bLogin", state == ClientState::kSignedOut ? L"0" : L"1");
-  SetText(userKey, L"bOpenSync", state == ClientState::kSyncReady ? L"1" : L"0");
-  SetText(userKey, L"syncPath", m_syncFolder);
-}
+void NamespaceTest::Publish(ClientState state) { testsupport::PublishClientState(state, m_syncFolder); }
 
 void NamespaceTest::SetDarkTheme(bool dark) {
   const DWORD light = dark ? 0 : 1;

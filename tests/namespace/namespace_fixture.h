@@ -12,11 +12,12 @@
 
 #include "../client_launcher/standin_session.h"
 #include "../explorer_standin/scratch_folder.h"
+#include "client_state.h"
 #include "namespace_host.h"
 
 namespace nstest {
 
-enum class ClientState { kSignedOut, kSignedInNoSync, kSyncReady };
+using testsupport::ClientState;
 
 // Where the test program's DLL and client stand-in lie.
 std::wstring DllPath();
