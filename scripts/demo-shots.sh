@@ -9,6 +9,7 @@ demo=$build/demo/Halvex
 shots=$build/demo/screenshots
 root='HKCU\Software\varnowe\Halvex'
 run() { "$here/wine-run.sh" "$@"; }
+winpath() { echo "Z:$1" | tr / '\\'; }
 rm -rf "$shots"; mkdir -p "$shots"
 
 set_value() { run reg add "$root\\$user" /v "$1" /t REG_SZ /d "$2" /f >/dev/null 2>&1; }
@@ -92,6 +93,47 @@ for theme in light dark; do
   shoot_prompt "prompt-no-sync-436x600-$theme" 436 600 1 0 "$theme"
 done
 shoot_prompt "prompt-signed-out-700x500-light" 700 500 0 0 light
+
+# The namespace folder in Wine's own explorer.exe, registered by Wine's regsvr32 as an installer
+# does. Wine's explorer takes no shell path on its command line, so shell-nav types the folder's
+# parsing path into its address box, and closes its window when the shots are taken.
+dll_win=$(winpath "$demo/shell/Corvane.dll")
+shell_nav="$build/testbed/Halvex/tools/shell-nav.exe"
+folder_path='::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a40}'
+run regsvr32 /s "$dll_win" >/dev/null 2>&1
+shoot_explorer() {  # name login open_sync light|dark seconds-after-navigating...
+  local name=$1 login=$2 sync=$3 theme=$4; shift 4
+  set_value bLogin "$login"
+  set_value bOpenSync "$sync"
+  local value=1; [ "$theme" = dark ] && value=0
+  run reg add "$theme_key" /v AppsUseLightTheme /t REG_DWORD /d $value /f >/dev/null 2>&1
+  # The demo runs from a folder holding the demo host's explorer.exe: name Wine's own in full.
+  run 'C:\windows\explorer.exe' >/dev/null 2>&1 &
+  local pid=$!
+  # Large enough for the prompt's pictures, which a smaller view leaves out.
+  run "$shell_nav" resize 1000 720 >/dev/null 2>&1 || true
+  run "$shell_nav" navigate "$folder_path" >/dev/null 2>&1 || echo "   shell-nav could not navigate"
+  local waited=0 at
+  for at in "$@"; do
+    sleep "$(awk "BEGIN { print $at - $waited }")"; waited=$at
+    import -display "$DISPLAY" -window root -crop 1000x720+0+0 +repage "$shots/$name-${at}s.png" 2>/dev/null || true
+    echo "   $shots/$name-${at}s.png"
+  done
+  if kill -0 "$pid" 2>/dev/null; then
+    run "$shell_nav" close 5000 >/dev/null 2>&1 || echo "   explorer.exe did not close"
+  else
+    echo "   (explorer.exe had ended by itself)"
+  fi
+  wait "$pid" 2>/dev/null || true
+}
+for theme in light dark; do
+  shoot_explorer "wine-explorer-signed-out-$theme" 0 0 "$theme" 2.5
+  shoot_explorer "wine-explorer-no-sync-$theme" 1 0 "$theme" 2.5
+done
+# Signed in with sync on: the prompt steps aside and, at its first poll, sends the window on to the
+# sync folder; the shots follow what Wine's explorer does with that.
+shoot_explorer "wine-explorer-sync-on" 1 1 light 0.5 1.5 3
+run regsvr32 /s /u "$dll_win" >/dev/null 2>&1
 set_value bLogin 1
 set_value bOpenSync 1
 run reg delete "$theme_key" /v AppsUseLightTheme /f >/dev/null 2>&1 || true
