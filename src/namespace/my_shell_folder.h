@@ -17,7 +17,6 @@
 struct MyShellFolderKind {
   using Interface = IMyShellFolder;
   static const CLSID& Clsid() noexcept { return CLSID_MyShellFolder; }
-  static const IID& Iid() noexcept { return IID_IMyShellFolder; }
   static constexpr const wchar_t* kParsingPath =
       L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a40}";
 };
@@ -25,14 +24,13 @@ struct MyShellFolderKind {
 struct MyShellFolder1Kind {
   using Interface = IMyShellFolder1;
   static const CLSID& Clsid() noexcept { return CLSID_MyShellFolder1; }
-  static const IID& Iid() noexcept { return IID_IMyShellFolder1; }
   static constexpr const wchar_t* kParsingPath =
       L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a42}";
 };
 
 template <class Kind>
 class CMyShellFolderT
-    : public corvane::ComObject<CMyShellFolderT<Kind>, typename Kind::Interface,
+    : public corvane::ComObject<CMyShellFolderT<Kind>, corvane::DualInterface<typename Kind::Interface>,
                                 corvane::ComAlias<IDispatch, typename Kind::Interface>, IExplorerPaneVisibility,
                                 corvane::ComAlias<IPersist, IPersistFolder2>,
                                 corvane::ComAlias<IPersistFolder, IPersistFolder2>, IPersistFolder2,
@@ -41,20 +39,6 @@ class CMyShellFolderT
   static constexpr const wchar_t* kDisplayName = L"Halvex同步盘";
 
   CMyShellFolderT() = default;
-
-  // IDispatch
-  IFACEMETHODIMP GetTypeInfoCount(UINT* count) override { return m_dispatch.GetTypeInfoCount(count); }
-  IFACEMETHODIMP GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override {
-    return m_dispatch.GetTypeInfo(index, lcid, info);
-  }
-  IFACEMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override {
-    return m_dispatch.GetIDsOfNames(riid, names, count, lcid, ids);
-  }
-  IFACEMETHODIMP Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
-                        EXCEPINFO* exception, UINT* argError) override {
-    return m_dispatch.Invoke(static_cast<typename Kind::Interface*>(this), id, riid, lcid, flags, params, result,
-                             exception, argError);
-  }
 
   // IExplorerPaneVisibility
   IFACEMETHODIMP GetPaneState(REFEXPLORERPANE pane, EXPLORERPANESTATE* state) override;
@@ -89,7 +73,6 @@ class CMyShellFolderT
  private:
   // The absolute ID list from the last Initialize, as raw bytes; empty until then.
   std::vector<std::byte> m_pidl;
-  corvane::TypeLibDispatch m_dispatch{Kind::Iid()};
 };
 
 using CMyShellFolder = CMyShellFolderT<MyShellFolderKind>;

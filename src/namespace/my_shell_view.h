@@ -20,7 +20,8 @@
 #include "platform/window.h"
 
 class CMyShellView : public corvane::ComObject<CMyShellView, IShellView, corvane::ComAlias<IOleWindow, IShellView>,
-                                               IDropTarget, IMyShellView, corvane::ComAlias<IDispatch, IMyShellView>>,
+                                               IDropTarget, corvane::DualInterface<IMyShellView>,
+                                               corvane::ComAlias<IDispatch, IMyShellView>>,
                      public corvane::Window<CMyShellView> {
  public:
   static constexpr const wchar_t* kClassName = L"CorvaneShellView";
@@ -55,20 +56,6 @@ class CMyShellView : public corvane::ComObject<CMyShellView, IShellView, corvane
   IFACEMETHODIMP DragLeave() override;
   IFACEMETHODIMP Drop(IDataObject* data, DWORD keyState, POINTL point, DWORD* effect) override;
 
-  // IDispatch
-  IFACEMETHODIMP GetTypeInfoCount(UINT* count) override { return m_dispatch.GetTypeInfoCount(count); }
-  IFACEMETHODIMP GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override {
-    return m_dispatch.GetTypeInfo(index, lcid, info);
-  }
-  IFACEMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override {
-    return m_dispatch.GetIDsOfNames(riid, names, count, lcid, ids);
-  }
-  IFACEMETHODIMP Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
-                        EXCEPINFO* exception, UINT* argError) override {
-    return m_dispatch.Invoke(static_cast<IMyShellView*>(this), id, riid, lcid, flags, params, result, exception,
-                             argError);
-  }
-
   // For the prompt window: move the hosting Explorer window to a path.
   HRESULT BrowseTo(const std::wstring& path);
   // The same through the web browser; nothing calls it at present.
@@ -96,5 +83,4 @@ class CMyShellView : public corvane::ComObject<CMyShellView, IShellView, corvane
   Microsoft::WRL::ComPtr<IDataObject> m_spDataObject;
   bool m_bAcceptDrop = false;
   corvane::scoped_drag_drop m_dropRegistration;
-  corvane::TypeLibDispatch m_dispatch{IID_IMyShellView};
 };

@@ -5,7 +5,8 @@
 //   ComPtr<IFoo> foo = corvane::Make<CThing>(args...);
 //
 // Interfaces listed plainly are base classes and QueryInterface entries; ComAlias<Base, Via> adds an
-// entry for an interface that is reached through another one (IPersist through IPersistFolder2).
+// entry for an interface that is reached through another one (IPersist through IPersistFolder2); an
+// implementation such as DualInterface<IFoo> stands for the interface it implements.
 // The object counts its references atomically, holds a module lock while it lives, and can be the
 // inner object of an aggregate: then IUnknown on its interfaces delegates to the outer object and
 // only the separate inner unknown answers for the object itself.
@@ -27,14 +28,26 @@ struct ComAlias {};
 
 namespace detail {
 
+// An entry is an interface, or a class that implements one and names it as `ImplementedInterface`
+// (DualInterface<IFoo> answers for IFoo).
+template <class Entry, class = void>
+struct InterfaceOf {
+  using type = Entry;
+};
+template <class Entry>
+struct InterfaceOf<Entry, std::void_t<typename Entry::ImplementedInterface>> {
+  using type = typename Entry::ImplementedInterface;
+};
+
 template <class Entry>
 struct ComEntry {
   using base = Entry;
+  using Interface = typename InterfaceOf<Entry>::type;
   template <class Object>
   static void* Cast(Object* object) noexcept {
-    return static_cast<Entry*>(object);
+    return static_cast<Interface*>(static_cast<Entry*>(object));
   }
-  static const IID& Iid() noexcept { return __uuidof(Entry); }
+  static const IID& Iid() noexcept { return __uuidof(Interface); }
 };
 
 // ComAlias contributes no base class: an empty tag type, one per alias, takes its place.

@@ -1,7 +1,7 @@
 #pragma once
 // IDispatch for a dual interface, driven by the module's own type library (TYPELIB 1 of the file
-// this code is linked into). A class forwards its four IDispatch methods here; the type library is
-// loaded on first use and never registered.
+// this code is linked into). A class lists DualInterface<IFoo> among its COM entries and gets the
+// four IDispatch methods of IFoo; the type library is loaded on first use and never registered.
 #include <windows.h>
 #include <oaidl.h>
 #include <wrl/client.h>
@@ -24,6 +24,28 @@ class TypeLibDispatch {
 
   const IID& m_iid;
   Microsoft::WRL::ComPtr<ITypeInfo> m_typeInfo;
+};
+
+template <class Interface>
+class DualInterface : public Interface {
+ public:
+  using ImplementedInterface = Interface;
+
+  IFACEMETHODIMP GetTypeInfoCount(UINT* count) override { return m_dispatch.GetTypeInfoCount(count); }
+  IFACEMETHODIMP GetTypeInfo(UINT index, LCID lcid, ITypeInfo** info) override {
+    return m_dispatch.GetTypeInfo(index, lcid, info);
+  }
+  IFACEMETHODIMP GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID lcid, DISPID* ids) override {
+    return m_dispatch.GetIDsOfNames(riid, names, count, lcid, ids);
+  }
+  IFACEMETHODIMP Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
+                        EXCEPINFO* exception, UINT* argError) override {
+    return m_dispatch.Invoke(static_cast<Interface*>(this), id, riid, lcid, flags, params, result, exception,
+                             argError);
+  }
+
+ private:
+  TypeLibDispatch m_dispatch{__uuidof(Interface)};
 };
 
 }  // namespace corvane

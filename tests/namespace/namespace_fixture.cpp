@@ -70,6 +70,8 @@ void NamespaceTest::OpenView(int width, int height) {
   m_host = std::make_unique<nshost::NamespaceHost>();
   ASSERT_EQ(m_host->LoadFolder(DllPath(), CLSID_MyShellFolder), S_OK);
   ASSERT_EQ(m_host->OpenView(width, height), S_OK);
+  // The face tests read the screen; other tests' windows on the same display must not cover it.
+  ::SetWindowPos(m_host->Frame(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   ::UpdateWindow(m_host->Frame());
   nshost::PumpFor(100);
 }
