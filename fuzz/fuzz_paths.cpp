@@ -22,6 +22,27 @@ std::wstring Normalised(std::wstring path) {
   return WithTrailingBackslash(std::move(path));
 }
 
+// What ParentFolder keeps as it is: nothing (or separators only), a text with no separator, a drive
+// root ("C:") or a UNC share root (two backslashes, then a server and a share, both non-empty),
+// trailing separators aside. Read here by splitting into levels.
+bool KeptAsGiven(std::wstring_view path) {
+  while (!path.empty() && IsSeparator(path.back())) path.remove_suffix(1);
+  if (path.empty() || path.find_first_of(L"\\/") == std::wstring_view::npos) return true;
+  const bool letter = !path.empty() && ((path[0] >= L'a' && path[0] <= L'z') || (path[0] >= L'A' && path[0] <= L'Z'));
+  if (path.size() == 2 && letter && path[1] == L':') return true;
+  if (!path.starts_with(L"\\\\")) return false;
+  std::size_t levels = 0;
+  std::wstring_view rest = path.substr(2);
+  for (;;) {
+    const auto cut = rest.find_first_of(L"\\/");
+    if (rest.substr(0, cut).empty()) return false;
+    ++levels;
+    if (cut == std::wstring_view::npos) break;
+    rest.remove_prefix(cut + 1);
+  }
+  return levels == 2;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -72,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // prefix ending in a separator, with exactly one non-empty level cut off.
   const std::wstring parent = ParentFolder(path);
   FUZZ_CHECK(path.starts_with(parent));
+  FUZZ_CHECK((parent == path) == KeptAsGiven(path));
   if (parent != path) {
     FUZZ_CHECK(parent.size() < path.size());
     FUZZ_CHECK(IsSeparator(parent.back()));
