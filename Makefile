@@ -3,7 +3,10 @@ PRESET ?= mingw-release
 BUILD  := build/$(PRESET)
 JOBS   ?= 2
 
-.PHONY: setup configure build test demo bench clean
+# The pure rules built natively with clang, each under libFuzzer with ASan and UBSan.
+FUZZ_BUILD := build/linux-fuzz
+
+.PHONY: setup configure build test demo bench clean fuzz-build fuzz
 
 setup:
 	@./scripts/setup.sh
@@ -15,8 +18,18 @@ build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Everything, through CTest, on a private headless display; the Wine server is stopped afterwards.
-test: build
+# Then every fuzzer for a few seconds, natively.
+test: build fuzz-build
 	./scripts/run-tests.sh $(BUILD) $(JOBS)
+	ctest --test-dir $(FUZZ_BUILD) -L short --output-on-failure -j $(JOBS)
+
+fuzz-build: setup
+	@[ -f $(FUZZ_BUILD)/build.ninja ] || cmake -S fuzz -B $(FUZZ_BUILD) -G Ninja -DCMAKE_CXX_COMPILER=clang++
+	cmake --build $(FUZZ_BUILD) -j $(JOBS)
+
+# Every fuzzer for a minute (CORVANE_FUZZ_LONG_SECONDS in the fuzz tree's cache).
+fuzz: fuzz-build
+	ctest --test-dir $(FUZZ_BUILD) -L long --output-on-failure -j $(JOBS)
 
 demo: build
 	./scripts/with-xvfb.sh ./scripts/demo.sh $(BUILD)

@@ -10,7 +10,7 @@ packages=(
   xvfb xauth x11-utils imagemagick
   fonts-wqy-microhei
   googletest
-  clang libclang-rt-dev
+  clang libclang-rt-dev llvm
   librsvg2-bin
 )
 

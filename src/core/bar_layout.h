@@ -1,6 +1,7 @@
 #pragma once
 // The bar's layout arithmetic: its height from the measured text line, the rectangles of its
-// children and which of them fit a given width. All values are physical pixels.
+// children and which of them fit a given width. All values are physical pixels. A coordinate
+// beyond the int range (only absurd sizes get there) is the nearest end of the range.
 namespace corvane::core {
 
 struct BarRect {
@@ -11,7 +12,7 @@ struct BarRect {
   bool operator==(const BarRect&) const = default;
 };
 
-// trunc(textHeight x 1.6): a 20-pixel text line gives a 32-pixel bar.
+// trunc(textHeight x 1.6): a 20-pixel text line gives a 32-pixel bar (at most INT_MAX).
 int BarHeightFromTextHeight(unsigned textHeight) noexcept;
 
 // A square of side H - 2 at (10, 1).

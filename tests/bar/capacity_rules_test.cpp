@@ -16,6 +16,7 @@
 namespace {
 
 using corvane::core::BarRect;
+using corvane::core::BarVisibility;
 using corvane::core::FormatSize;
 
 constexpr std::uint64_t kKiB = 1024, kMiB = kKiB * 1024, kGiB = kMiB * 1024, kTiB = kGiB * 1024;
@@ -137,6 +138,22 @@ TEST(BarLayout, HeightFromTextLineAndTruncatedCentring) {
   const BarRect capacity{60, 0, 210, 9};
   EXPECT_EQ(corvane::core::AdvertisingRect(capacity, 20, 90, 15, 10), (BarRect{230, -2, 320, 13}));
   EXPECT_EQ(corvane::core::ButtonRect(10, 80, 15, 10), (BarRect{10, -2, 90, 13}));
+}
+
+TEST(BarLayout, AbsurdSizesEndAtTheIntRange) {
+  // A text line no font has and sums past INT_MAX: the nearest end of the range, never a wrap.
+  EXPECT_EQ(corvane::core::BarHeightFromTextHeight(UINT_MAX), INT_MAX);
+  EXPECT_EQ(corvane::core::BarHeightFromTextHeight(1342177279), 2147483646);
+  EXPECT_EQ(corvane::core::BarHeightFromTextHeight(1342177280), INT_MAX);
+  EXPECT_EQ(corvane::core::LogoRect(INT_MAX), (BarRect{10, 1, INT_MAX, INT_MAX - 1}));
+  EXPECT_EQ(corvane::core::LogoRect(INT_MIN), (BarRect{10, 1, INT_MIN + 8, INT_MIN}));
+  const BarRect logo{10, 1, 40, 31};
+  EXPECT_EQ(corvane::core::CapacityRect(logo, 8, INT_MAX / 2, 32), (BarRect{48, 0, INT_MAX, 31}));
+  EXPECT_EQ(corvane::core::ButtonRect(INT_MAX - 10, 80, INT_MAX, INT_MIN), (BarRect{INT_MAX - 10, INT_MIN + 1, INT_MAX, 0}));
+  // The width thresholds compare without overflow: nothing fits a bar narrower than its right group.
+  const BarRect distant{0, 0, INT_MAX, 0};
+  EXPECT_EQ(corvane::core::VisibleChildren(INT_MAX, INT_MAX, logo, distant, distant, true), (BarVisibility{false, false, false}));
+  EXPECT_EQ(corvane::core::VisibleChildren(INT_MAX, 100, logo, logo, distant, true), (BarVisibility{true, true, false}));
 }
 
 }  // namespace

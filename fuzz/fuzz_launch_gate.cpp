@@ -1,0 +1,86 @@
+// The start-up gate and the zoom comparison: the gate's decision and its unsigned age, the helper
+// test on arbitrary command lines, FILETIME conversion round trips, and the nearly-equal rule's
+// reflexivity, its absolute form at zero and its indifference to scale.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/launch_gate.h"
+#include "core/nearly_equal.h"
+#include "fuzz_support.h"
+
+namespace {
+
+using namespace corvane::core;
+using corvane::fuzz::Widen;
+
+constexpr std::uint64_t kUnixEpochAsFileTime = 116444736000000000ull;
+
+bool HoldsHelperSwitch(std::wstring_view line) {
+  constexpr std::wstring_view kSwitch = L"--type=";
+  return std::search(line.begin(), line.end(), kSwitch.begin(), kSwitch.end()) != line.end();
+}
+
+double Real(FuzzedDataProvider& input) {
+  switch (input.ConsumeIntegralInRange<int>(0, 3)) {
+    case 0:
+      return input.ConsumeFloatingPointInRange<double>(-4.0, 4.0);
+    case 1:
+      return static_cast<double>(input.ConsumeIntegralInRange<int>(-3, 3));
+    default:
+      return input.ConsumeFloatingPoint<double>();
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FuzzedDataProvider input(data, size);
+  const bool found = input.ConsumeBool();
+  const int mainProcesses = input.ConsumeIntegralInRange<int>(-2, 6);
+  const auto now = input.ConsumeIntegral<std::uint64_t>();
+  const auto age = input.ConsumeBool() ? input.ConsumeIntegralInRange<std::uint64_t>(0, 20000)
+                                       : input.ConsumeIntegral<std::uint64_t>();
+  const double a = Real(input);
+  const double b = Real(input);
+  const double epsilon = input.ConsumeBool() ? 1e-6 : Real(input);
+  const auto fileTime = input.ConsumeIntegral<std::uint64_t>();
+  const std::wstring line = Widen(input.ConsumeRemainingBytesAsString());
+
+  // The gate: the age wraps like the system's tick arithmetic, and only a young start with other
+  // than exactly one main process holds a command back.
+  const LaunchGateDecision decision = DecideLaunch(found, mainProcesses, now, now - age);
+  FUZZ_CHECK(decision.diffMs == age);
+  FUZZ_CHECK(decision.allowed == (!found || mainProcesses == 1 || age >= kClientSettleMs));
+  if (found && mainProcesses != 1 && age < kClientSettleMs) {
+    // The same start, settled: allowed from the settle time on.
+    FUZZ_CHECK(DecideLaunch(found, mainProcesses, now - age + kClientSettleMs, now - age).allowed);
+    FUZZ_CHECK(!DecideLaunch(found, mainProcesses, now - age + kClientSettleMs - 1, now - age).allowed);
+  }
+
+  FUZZ_CHECK(IsClientHelperCommandLine(line) == HoldsHelperSwitch(line));
+  FUZZ_CHECK(IsClientHelperCommandLine(line.substr(0, line.size() / 2) + L"--type=renderer" +
+                                       line.substr(line.size() / 2)));
+
+  // FILETIME to Unix milliseconds: whole milliseconds in unsigned arithmetic, and every reading
+  // inside one millisecond gives that millisecond.
+  const std::uint64_t ms = UnixMsFromFileTime(fileTime);
+  FUZZ_CHECK(ms == (fileTime - kUnixEpochAsFileTime) / 10000);
+  const std::uint64_t start = kUnixEpochAsFileTime + (ms % (UINT64_MAX / 10000 - kUnixEpochAsFileTime / 10000)) * 10000;
+  FUZZ_CHECK(UnixMsFromFileTime(start) == (start - kUnixEpochAsFileTime) / 10000);
+  FUZZ_CHECK(UnixMsFromFileTime(start + 9999) == UnixMsFromFileTime(start));
+
+  // Nearly equal: nothing is near a NaN, every finite number is near itself, zero compares
+  // absolutely, and doubling both sides (exact in binary) changes nothing.
+  const bool near = IsNearlyEqual(a, b, epsilon);
+  if (std::isnan(a) || std::isnan(b) || std::isnan(epsilon)) FUZZ_CHECK(!near);
+  if (std::isfinite(a) && epsilon >= 0) FUZZ_CHECK(IsNearlyEqual(a, a, epsilon));
+  if (a == 0.0 && !std::isnan(b) && !std::isnan(epsilon)) FUZZ_CHECK(near == (std::fabs(b) <= epsilon));
+  const auto ordinary = [](double x) { return std::fabs(x) >= 1e-300 && std::fabs(x) <= 1e300; };
+  if (ordinary(a) && ordinary(b) && std::isfinite(epsilon)) FUZZ_CHECK(IsNearlyEqual(2 * a, 2 * b, epsilon) == near);
+  return 0;
+}
