@@ -20,3 +20,6 @@ run ./explorer.exe 'Z:'"$(echo "$build/testbed/Halvex/shell/Corvane.dll" | tr / 
 # soaks (a few minutes in all); their first arguments ask for the full ones.
 (cd "$build/testbed/Halvex/shell" && run ./bar_bench.exe)
 (cd "$build/testbed/Halvex/shell" && run ./explorer_bench.exe)
+# The namespace view's benchmark is an explorer.exe of its own one folder below the DLL, loading the
+# benchmark build beside the DLL; its launched drops start the Halvex.exe stand-in of the test bed.
+(cd "$build/testbed/Halvex/shell/namespace-bench" && run ./explorer.exe)
