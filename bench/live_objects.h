@@ -8,33 +8,22 @@
 
 namespace bench {
 
-template <class Owner>
-struct TraitsOf;
-template <class Traits>
-struct TraitsOf<corvane::unique_resource<Traits>> {
-  using type = Traits;
-};
-template <class Owner>
-long Live() {
-  return corvane::LiveCount<typename TraitsOf<Owner>::type>::value().load();
-}
-
 struct LiveObjects {
-  long bitmap = Live<corvane::unique_hbitmap>();
-  long dc = Live<corvane::unique_hdc>();
-  long font = Live<corvane::unique_hfont>();
-  long brush = Live<corvane::unique_hbrush>();
-  long pen = Live<corvane::unique_hpen>();
-  long region = Live<corvane::unique_hrgn>();
-  long icon = Live<corvane::unique_hicon>();
-  long menu = Live<corvane::unique_hmenu>();
-  long key = Live<corvane::unique_hkey>();
-  long kernel = Live<corvane::unique_handle>();
-  long file = Live<corvane::unique_file>();
-  long find = Live<corvane::unique_find>();
-  long hook = Live<corvane::unique_hhook>();
-  long pidl = Live<corvane::unique_pidl>();
-  long module = Live<corvane::unique_hmodule>();
+  long bitmap = corvane::unique_hbitmap::Live();
+  long dc = corvane::unique_hdc::Live();
+  long font = corvane::unique_hfont::Live();
+  long brush = corvane::unique_hbrush::Live();
+  long pen = corvane::unique_hpen::Live();
+  long region = corvane::unique_hrgn::Live();
+  long icon = corvane::unique_hicon::Live();
+  long menu = corvane::unique_hmenu::Live();
+  long key = corvane::unique_hkey::Live();
+  long kernel = corvane::unique_handle::Live();
+  long file = corvane::unique_file::Live();
+  long find = corvane::unique_find::Live();
+  long hook = corvane::unique_hhook::Live();
+  long pidl = corvane::unique_pidl::Live();
+  long module = corvane::unique_hmodule::Live();
   long Total() const noexcept {
     return bitmap + dc + font + brush + pen + region + icon + menu + key + kernel + file + find + hook + pidl + module;
   }

@@ -19,6 +19,10 @@ template <class Traits>
 class unique_resource {
  public:
   using pointer = typename Traits::type;
+  using traits_type = Traits;
+
+  // How many owners of this kind hold a value right now.
+  static long Live() noexcept { return LiveCount<Traits>::value().load(); }
 
   unique_resource() noexcept = default;
   explicit unique_resource(pointer value) noexcept : m_value(value) { Track(m_value, +1); }

@@ -26,13 +26,7 @@ constexpr BYTE kHalfAlpha = 128;
 
 const Argb kSlotColours[4] = {{255, 200, 30, 30}, {255, 30, 180, 60}, {255, 30, 60, 200}, {255, 200, 190, 40}};
 
-template <class Traits>
-struct TraitsOf;
-template <class Traits>
-struct TraitsOf<corvane::unique_resource<Traits>> {
-  using type = Traits;
-};
-long LiveBitmaps() { return corvane::LiveCount<TraitsOf<corvane::unique_hbitmap>::type>::value().load(); }
+long LiveBitmaps() { return corvane::unique_hbitmap::Live(); }
 
 // What a picture pixel of `colour` and alpha `alpha` looks like over `background`.
 Argb Blend(const Argb& colour, BYTE alpha, COLORREF background) {

@@ -17,17 +17,6 @@ using namespace widgettest;
 
 namespace {
 
-template <class Owner>
-struct TraitsOf;
-template <class Traits>
-struct TraitsOf<corvane::unique_resource<Traits>> {
-  using type = Traits;
-};
-template <class Owner>
-long Live() {
-  return corvane::LiveCount<typename TraitsOf<Owner>::type>::value().load();
-}
-
 // How many more GDI objects the process can create before the table is full; all freed again.
 int GdiHeadroom() {
   std::vector<HBRUSH> brushes;
@@ -92,7 +81,7 @@ TEST(WidgetsSoak, FiveHundredButtonsLeaveNoGdiObjectBehind) {
 
   round(0);  // first use fills caches that stay for the process
   const int headroom = GdiHeadroom();
-  const long bitmaps = Live<corvane::unique_hbitmap>(), dcs = Live<corvane::unique_hdc>();
+  const long bitmaps = corvane::unique_hbitmap::Live(), dcs = corvane::unique_hdc::Live();
   ASSERT_GT(headroom, 1000) << "the measure itself must work";
 
   for (int i = 1; i <= 500; ++i) {
@@ -100,8 +89,8 @@ TEST(WidgetsSoak, FiveHundredButtonsLeaveNoGdiObjectBehind) {
     if (HasFatalFailure()) return;
   }
 
-  EXPECT_EQ(Live<corvane::unique_hbitmap>(), bitmaps);
-  EXPECT_EQ(Live<corvane::unique_hdc>(), dcs);
+  EXPECT_EQ(corvane::unique_hbitmap::Live(), bitmaps);
+  EXPECT_EQ(corvane::unique_hdc::Live(), dcs);
   // A leak of one object per round would cost 500; a few objects of lazily made caches are allowed.
   EXPECT_GE(GdiHeadroom(), headroom - 8) << "before: " << headroom;
 }
