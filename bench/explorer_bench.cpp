@@ -492,13 +492,6 @@ void BenchSoak(const Bed& bed, Explorer& explorer, const Options& options) {
               before.live, after.live, liveWithBar.c_str(), before.workingSetMb, after.workingSetMb);
 }
 
-std::wstring ProgramFolder() {
-  wchar_t self[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-  const std::wstring path(self, length);
-  return path.substr(0, path.rfind(L'\\') + 1);
-}
-
 std::wstring FullPath(const std::wstring& path) {
   wchar_t full[MAX_PATH] = {};
   const DWORD length = ::GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
@@ -528,8 +521,8 @@ int wmain(int argc, wchar_t** argv) {
   bed.other = FullPath(bed.other);
   bench::registry_floor::PublishClientState(bed.sync, bed.folder + L"\\logo.png");
 
-  bed.standin = FullPath(ProgramFolder() + L"..\\explorer\\explorer.exe");
-  bed.dll = ProgramFolder() + L"CorvaneBench.dll";
+  bed.standin = FullPath(corvane::ThisModuleFolder() + L"..\\explorer\\explorer.exe");
+  bed.dll = corvane::ThisModuleFolder() + L"CorvaneBench.dll";
   bed.wineserver = options.wineserver != 0 ? options.wineserver : FindWineserver();
   // Inherited by the stand-in and the processes the add-in starts.
   ::SetEnvironmentVariableW(L"SCALEMEND_STANDIN_RECORD", bed.dpiRecord.c_str());
