@@ -19,16 +19,17 @@
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
+#include "client_keys.h"
 #include "debug_capture.h"
 #include "platform/gdiplus_session.h"
 #include "platform/window.h"
 
 namespace bartest {
 
-inline const std::wstring kRoot = L"Software\\varnowe\\Halvex";
-inline const std::wstring kUser = L"u0123456789";  // 11 characters: the shortest valid user
-inline const std::wstring kUserKey = kRoot + L"\\" + kUser;
-inline const std::wstring kZoomKey = kRoot + L"\\dpiZoom";
+inline const std::wstring kRoot = testsupport::kClientKey;
+inline const std::wstring kUser = testsupport::kTestUser;
+inline const std::wstring kUserKey = testsupport::kTestUserKey;
+inline const std::wstring kZoomKey = testsupport::kZoomKey;
 constexpr std::uint64_t kMiB = 1024ULL * 1024;
 constexpr std::uint64_t kGiB = 1024 * kMiB;
 

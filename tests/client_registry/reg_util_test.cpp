@@ -19,7 +19,7 @@ namespace {
 
 using regUtil::ReadRegistryValue;
 
-const std::wstring kScratchKey = kRoot + L"\\scratch";
+const std::wstring kScratchKey = std::wstring(testsupport::kClientKey) + L"\\scratch";
 
 // Everything written to the standard error stream while a call runs.
 template <class F>

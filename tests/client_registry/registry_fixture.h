@@ -9,14 +9,15 @@
 #include <utility>
 #include <vector>
 
+#include "client_keys.h"
 #include "debug_capture.h"
 
 namespace registrytest {
 
-inline const std::wstring kRoot = L"Software\\varnowe\\Halvex";
-inline const std::wstring kUser = L"u0123456789";  // exactly 11 characters: the shortest valid user
-inline const std::wstring kUserKey = kRoot + L"\\" + kUser;
-inline const std::wstring kZoomKey = kRoot + L"\\dpiZoom";
+inline const std::wstring kRoot = testsupport::kClientKey;
+inline const std::wstring kUser = testsupport::kTestUser;
+inline const std::wstring kUserKey = testsupport::kTestUserKey;
+inline const std::wstring kZoomKey = testsupport::kZoomKey;
 
 // One log line reduced to what the rules fix: its level tag and the message after the location.
 struct LogLine {

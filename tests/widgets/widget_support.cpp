@@ -8,6 +8,7 @@
 #include <ostream>
 #include <system_error>
 
+#include "client_keys.h"
 #include "platform/gdiplus_session.h"
 #include "platform/handles.h"
 #include "widgets/image_helpers.h"
@@ -34,7 +35,6 @@ std::atomic<int> g_folderCount{0};
 
 const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
 const wchar_t kLightValue[] = L"AppsUseLightTheme";
-const wchar_t kZoomKey[] = L"Software\\varnowe\\Halvex\\dpiZoom";
 
 }  // namespace
 
@@ -153,12 +153,12 @@ void ThemeOverride::Set(bool dark) {
 
 PublishedZoom::PublishedZoom(std::uint64_t windowNumber, const std::wstring& text)
     : m_name(std::to_wstring(windowNumber)) {
-  EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kZoomKey, m_name.c_str(), REG_SZ, text.c_str(),
+  EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, testsupport::kZoomKey, m_name.c_str(), REG_SZ, text.c_str(),
                               static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
             ERROR_SUCCESS);
 }
 
-PublishedZoom::~PublishedZoom() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kZoomKey, m_name.c_str()); }
+PublishedZoom::~PublishedZoom() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, testsupport::kZoomKey, m_name.c_str()); }
 
 std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
   static const MessageEntry map[] = {
