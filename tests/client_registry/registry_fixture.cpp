@@ -63,6 +63,4 @@ std::vector<LogLine> RegistryTest::LogOf(const std::wstring& function) const {
   return found;
 }
 
-std::wstring RegistryTest::LogFileText() const { return logtest::ReadUtf16(g_pLogger->Path()); }
-
 }  // namespace registrytest

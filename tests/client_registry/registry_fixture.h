@@ -51,8 +51,6 @@ class RegistryTest : public ::testing::Test {
 
   // The lines logged under [function], in order.
   std::vector<LogLine> LogOf(const std::wstring& function) const;
-  // The content of the log file (Info lines only reach it).
-  std::wstring LogFileText() const;
   void ClearLog() { m_capture.Clear(); }
 
  private:
