@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cwchar>
 #include <string>
 
 #include "client/dpi_tool.h"
@@ -42,14 +43,8 @@ class Launcher : public ::testing::Test {
     std::vector<GateLine> gates;
     for (const std::wstring& line : m_capture.LinesContaining(L"cx::canCommandExecute. diff:")) {
       GateLine gate;
-      size_t at = 0;
-      for (auto [key, field] : {std::pair{L" diff:", &gate.diff}, {L" ret:", &gate.ret}, {L" ms:", &gate.ms},
-                                {L" startTime:", &gate.startTime}, {L" num:", &gate.num}}) {
-        at = line.find(key, at);
-        if (at == std::wstring::npos) break;
-        at += std::wstring(key).size();
-        *field = std::stoll(line.substr(at));
-      }
+      ::swscanf_s(line.c_str() + line.find(L"diff:"), L"diff:%lld ret:%lld ms:%lld startTime:%lld num:%lld", &gate.diff,
+                  &gate.ret, &gate.ms, &gate.startTime, &gate.num);
       gates.push_back(gate);
     }
     return gates;
