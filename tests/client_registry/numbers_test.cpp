@@ -1,5 +1,6 @@
 // The pure text rules behind the registry readers; no Windows header, so this also builds natively.
-// The integer rule is also fuzzed against a reference reading; these are its boundaries.
+// The integer rule is also fuzzed against a reference reading; these are its boundaries. The sync
+// path steps are fuzzed exactly and read through the sync-path reader's own test.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -9,7 +10,6 @@
 #include <string>
 
 #include "core/numbers.h"
-#include "core/sync_path.h"
 
 namespace {
 
@@ -116,28 +116,6 @@ TEST(UnsignedDecimal, WindowNumbersAsValueNames) {
   EXPECT_EQ(corvane::core::UnsignedDecimal(0), L"0");
   EXPECT_EQ(corvane::core::UnsignedDecimal(65602), L"65602");
   EXPECT_EQ(corvane::core::UnsignedDecimal(std::numeric_limits<std::uint64_t>::max()), L"18446744073709551615");
-}
-
-TEST(SyncPathText, OneTrailingBackslashDroppedAndSlashesTurned) {
-  struct Case {
-    std::wstring text;
-    bool dropped;
-    std::wstring afterDrop;
-    std::wstring afterSlashes;
-  } const cases[] = {
-      {L"", false, L"", L""},
-      {L"D:\\Sync\\", true, L"D:\\Sync", L"D:\\Sync"},
-      {L"D:\\Sync\\\\", true, L"D:\\Sync\\", L"D:\\Sync\\"},
-      {L"D:/Sync/", false, L"D:/Sync/", L"D:\\Sync\\"},
-      {L"D:/Sync/\\", true, L"D:/Sync/", L"D:\\Sync\\"},
-  };
-  for (const auto& c : cases) {
-    std::wstring path = c.text;
-    EXPECT_EQ(corvane::core::DropOneTrailingBackslash(path), c.dropped) << c.text.size();
-    EXPECT_EQ(path, c.afterDrop);
-    corvane::core::SlashesToBackslashes(path);
-    EXPECT_EQ(path, c.afterSlashes);
-  }
 }
 
 }  // namespace

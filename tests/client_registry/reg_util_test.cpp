@@ -111,25 +111,6 @@ TEST_F(RegistryTest, WriteRegistryValueCreatesTheKeyAndWritesTerminatedText) {
   }
 }
 
-TEST_F(RegistryTest, FilesAndFolders) {
-  const std::wstring folder = MakeFolder(L"dir");
-  const std::wstring file = MakeFile(L"dir\\file.txt");
-  struct Case {
-    std::wstring path;
-    bool directory, isFile;
-  } const cases[] = {
-      {L"", false, false},
-      {folder, true, false},
-      {folder + L"\\", true, false},
-      {file, false, true},
-      {folder + L"\\missing", false, false},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(regUtil::IsDirectory(c.path), c.directory) << c.path.size();
-    EXPECT_EQ(regUtil::IsFile(c.path), c.isFile) << c.path.size();
-  }
-}
-
 TEST_F(RegistryTest, ReadRegistryValueTakesAnyBytesAsText) {
   const DWORD digitOne = 0x31;  // bytes 31 00 00 00: the text "1"
   const DWORD one = 1;
