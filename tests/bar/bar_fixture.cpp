@@ -1,20 +1,11 @@
 #include "bar_fixture.h"
 
 #include <algorithm>
-#include <filesystem>
 
-#include "log/logger.h"
 #include "platform/module_path.h"
 #include "widgets/image_helpers.h"
 
 namespace bartest {
-
-namespace {
-
-const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
-const wchar_t kThemeValue[] = L"AppsUseLightTheme";
-
-}  // namespace
 
 HRESULT STDMETHODCALLTYPE CountingUnknown::QueryInterface(REFIID iid, void** out) {
   if (out == nullptr) return E_POINTER;
@@ -114,8 +105,6 @@ RECT RectIn(HWND window, HWND parent) {
   return rect;
 }
 
-bool FileExists(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
 std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
 std::set<std::uint32_t> InkColours(const std::wstring& path) {
@@ -142,46 +131,16 @@ void BarTest::SetUp() {
   m_comStarted = SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
   m_gdiplus.emplace();
   ASSERT_TRUE(m_gdiplus->ok());
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str());
-
-  DWORD type = 0, size = 0;
-  if (::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, kThemeValue, RRF_RT_ANY, &type, nullptr, &size) == ERROR_SUCCESS) {
-    m_savedTheme.emplace(size);
-    ::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, kThemeValue, RRF_RT_ANY, &type, m_savedTheme->data(), &size);
-    m_savedThemeType = type;
-  }
-  SetDarkTheme(false);
-
-  static std::atomic<int> counter{0};
-  wchar_t temp[MAX_PATH] = {};
-  ::GetTempPathW(MAX_PATH, temp);
-  m_scratch = std::wstring(temp) + L"corvane-bar-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
-              std::to_wstring(counter++);
-  std::filesystem::remove_all(m_scratch);
-  std::filesystem::create_directories(m_scratch);
-  g_pLogger = new LOGGER::CLogger(4, m_scratch + L"\\log", L"Corvane");
+  m_theme.emplace(false);
+  RegistryTest::SetUp();
 }
 
 void BarTest::TearDown() {
   Pump();
-  delete g_pLogger;
-  g_pLogger = nullptr;
-  ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str());
-  ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kPersonalize, kThemeValue);
-  if (m_savedTheme) {
-    ::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, kThemeValue, m_savedThemeType, m_savedTheme->data(),
-                      static_cast<DWORD>(m_savedTheme->size()));
-  }
-  std::error_code ignored;
-  std::filesystem::remove_all(m_scratch, ignored);
+  RegistryTest::TearDown();
+  m_theme.reset();
   m_gdiplus.reset();
   if (m_comStarted) ::CoUninitialize();
-}
-
-void BarTest::SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text) {
-  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str(), REG_SZ, text.c_str(),
-                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-            ERROR_SUCCESS);
 }
 
 void BarTest::DeleteValue(const std::wstring& subkey, const std::wstring& name) {
@@ -204,22 +163,10 @@ void BarTest::PublishZoom(HWND window, const std::wstring& text) {
   SetText(kZoomKey, std::to_wstring(reinterpret_cast<std::uintptr_t>(window)), text);
 }
 
-void BarTest::SetDarkTheme(bool dark) {
-  const DWORD value = dark ? 0 : 1;
-  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, kThemeValue, REG_DWORD, &value, sizeof(value)),
-            ERROR_SUCCESS);
-}
-
 std::vector<std::wstring> BarTest::LogOf(const std::wstring& function) const {
-  const std::wstring location = L"[" + function + L"]";
-  std::vector<std::wstring> found;
-  for (std::wstring line : m_capture.Lines()) {
-    const auto at = line.find(location);
-    if (at == std::wstring::npos) continue;
-    while (!line.empty() && (line.back() == L'\n' || line.back() == L'\r')) line.pop_back();
-    found.push_back(line.substr(at + location.size()));
-  }
-  return found;
+  std::vector<std::wstring> messages;
+  for (const registrytest::LogLine& line : RegistryTest::LogOf(function)) messages.push_back(line.message);
+  return messages;
 }
 
 }  // namespace bartest

@@ -1,8 +1,8 @@
 #pragma once
 // A bar as the Explorer window controller would host it, over a plain top-level window: GDI+ and
-// COM started, a scratch Halvex key, a light app theme (restored afterwards), a logger over a fresh
-// folder and a capture of the debugger output. The bar's own timer is stopped after creation so
-// the tests drive OnTimer with WM_TIMER themselves.
+// COM started and a light app theme (restored afterwards), on top of the registry tests' scratch
+// Halvex key, logger and debugger capture. The bar's own timer is stopped after creation so the
+// tests drive OnTimer with WM_TIMER themselves.
 #include <windows.h>
 #include <unknwn.h>
 
@@ -19,17 +19,17 @@
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
-#include "client_keys.h"
-#include "debug_capture.h"
 #include "platform/gdiplus_session.h"
 #include "platform/window.h"
+#include "registry_fixture.h"
+#include "saved_value.h"
 
 namespace bartest {
 
-inline const std::wstring kRoot = testsupport::kClientKey;
-inline const std::wstring kUser = testsupport::kTestUser;
-inline const std::wstring kUserKey = testsupport::kTestUserKey;
-inline const std::wstring kZoomKey = testsupport::kZoomKey;
+using registrytest::kRoot;
+using registrytest::kUser;
+using registrytest::kUserKey;
+using registrytest::kZoomKey;
 constexpr std::uint64_t kMiB = 1024ULL * 1024;
 constexpr std::uint64_t kGiB = 1024 * kMiB;
 
@@ -108,36 +108,31 @@ std::vector<HWND> TakeQueued(UINT message);
 int CountOf(const std::vector<HWND>& windows, HWND window);
 bool HasStyle(HWND window, DWORD style);
 RECT RectIn(HWND window, HWND parent);
-bool FileExists(const std::wstring& path);
+using logtest::FileExists;
 std::wstring SkinFile(const wchar_t* name);
 // The distinct colours (0xRRGGBB) of a picture's pixels that are at least half covered; faint
 // anti-aliased edges are left out, so a caption yields exactly its text colour.
 std::set<std::uint32_t> InkColours(const std::wstring& path);
 SIZE PictureSize(const std::wstring& path);
 
-class BarTest : public ::testing::Test {
+class BarTest : public registrytest::RegistryTest {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  static void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text);
   static void DeleteValue(const std::wstring& subkey, const std::wstring& name);
-  static void PublishUser() { SetText(kRoot, L"currentUser", kUser); }
+  static void PublishUser() { SetUser(kUser); }
   static void PublishSpace(std::uint64_t total, std::uint64_t used);
   static void PublishAdvertising(const std::wstring& id, const std::wstring& title);
   static void PublishZoom(HWND window, const std::wstring& text);
-  static void SetDarkTheme(bool dark);
+  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
 
-  // Info and Debug messages logged under [function], in order, without their prefixes.
+  // The messages logged under [function], in order.
   std::vector<std::wstring> LogOf(const std::wstring& function) const;
-  void ClearLog() { m_capture.Clear(); }
 
  private:
   std::optional<corvane::GdiplusSession> m_gdiplus;
-  testsupport::DebugCapture m_capture;
-  std::wstring m_scratch;
-  std::optional<std::vector<BYTE>> m_savedTheme;
-  DWORD m_savedThemeType = REG_NONE;
+  std::optional<registrytest::ThemeOverride> m_theme;
   bool m_comStarted = false;
 };
 

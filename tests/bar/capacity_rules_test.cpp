@@ -1,13 +1,9 @@
 // The pure rules behind the bar: size texts, the low-space warning, the used share, and the
 // layout arithmetic (bar height, child rectangles, which children fit a width).
-#include <windows.h>
-
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdint>
-#include <cstdio>
-#include <random>
 #include <string>
 
 #include "core/bar_layout.h"
@@ -27,7 +23,6 @@ TEST(FormatSize, UnitsFractionsAndTrimming) {
     const wchar_t* text;
   } cases[] = {
       {0, L"0B"},
-      {512, L"512B"},
       {1023, L"1023B"},
       {1024, L"1KB"},
       {1536, L"1.5KB"},
@@ -35,66 +30,15 @@ TEST(FormatSize, UnitsFractionsAndTrimming) {
       {1152, L"1.12KB"},                   // 1.125 exactly: a tie goes to the even digit
       {kMiB - 1, L"1024KB"},               // 1023.999 KiB prints as 1024.00
       {kMiB, L"1MB"},
-      {10 * kMiB, L"10MB"},                // trailing zeros stop at the point
-      {200 * kMiB, L"200MB"},
+      {200 * kMiB, L"200MB"},              // trailing zeros stop at the point
       {kGiB, L"1GB"},
       {kGiB + kGiB / 4, L"1.25GB"},
-      {2 * kGiB, L"2GB"},
-      {500 * kGiB, L"500GB"},
       {kTiB - 1, L"1024GB"},
       {kTiB, L"1TB"},
       {kTiB + kTiB / 2, L"1.5TB"},
       {UINT64_MAX, L"16777216TB"},         // taken as unsigned, never negative
   };
   for (const auto& c : cases) EXPECT_EQ(FormatSize(c.bytes), c.text) << c.bytes;
-}
-
-// The same rule written with the runtime's own "%.2f", for a second opinion on the rounding.
-// Exact ties (1.125) are where runtimes part: msvcrt.dll rounds them away from zero, the C
-// standard's printf, the UCRT and std::to_chars to even. FormatSize follows the standard; ties are
-// pinned in the table above and left out of the comparison.
-std::uint64_t UnitOf(std::uint64_t bytes) {
-  if (bytes < kMiB) return kKiB;
-  if (bytes < kGiB) return kMiB;
-  return bytes >= kTiB ? kTiB : kGiB;
-}
-
-bool IsTie(std::uint64_t bytes, std::uint64_t unit) {
-  if (bytes < kKiB) return false;
-  const std::uint64_t hundredths = (bytes % unit) * 200;  // below 2^48 for every unit used
-  return hundredths % unit == 0 && (hundredths / unit) % 2 == 1;
-}
-
-std::wstring ReferenceFormat(std::uint64_t bytes) {
-  if (bytes < kKiB) return std::to_wstring(bytes) + L"B";
-  const std::uint64_t unit = UnitOf(bytes);
-  const wchar_t* name = unit == kKiB ? L"KB" : unit == kMiB ? L"MB" : unit == kGiB ? L"GB" : L"TB";
-  const double value = static_cast<double>(bytes) / static_cast<double>(unit);
-  wchar_t text[64] = {};
-  _snwprintf_s(text, _TRUNCATE, L"%.2f", value);
-  std::wstring result = text;
-  while (!result.empty() && result.back() == L'0') result.pop_back();
-  while (!result.empty() && result.back() == L'.') result.pop_back();
-  return result + name;
-}
-
-TEST(FormatSize, AgreesWithTheRuntimesTwoDecimalFormatting) {
-  std::mt19937_64 random(20261122);
-  for (const std::uint64_t unit : {kKiB, kMiB, kGiB, kTiB}) {
-    for (std::uint64_t k = 1; k < 1100; ++k) {
-      // Values around every hundredth of the unit, where the rounding of "%.2f" decides.
-      const std::uint64_t base = unit * k / 100;
-      for (const std::uint64_t bytes : {base - 1, base, base + 1, base + unit / 200, base + unit / 200 + 1}) {
-        if (IsTie(bytes, UnitOf(bytes))) continue;
-        ASSERT_EQ(FormatSize(bytes), ReferenceFormat(bytes)) << bytes;
-      }
-    }
-  }
-  for (int i = 0; i < 20000; ++i) {
-    const std::uint64_t bytes = random() >> (random() % 64);
-    if (IsTie(bytes, UnitOf(bytes))) continue;
-    ASSERT_EQ(FormatSize(bytes), ReferenceFormat(bytes)) << bytes;
-  }
 }
 
 TEST(CapacityWarning, FiveHundredMibOrLessFreeOrUsedAtTotal) {
@@ -119,10 +63,8 @@ TEST(CapacityWarning, FiveHundredMibOrLessFreeOrUsedAtTotal) {
 
 TEST(CapacityWarning, UsedPercentTruncatesAndIsBounded) {
   EXPECT_EQ(corvane::core::UsedPercent(0, 0), 0);
-  EXPECT_EQ(corvane::core::UsedPercent(0, kGiB), 0);
   EXPECT_EQ(corvane::core::UsedPercent(3, 1), 33);
   EXPECT_EQ(corvane::core::UsedPercent(3, 2), 66);
-  EXPECT_EQ(corvane::core::UsedPercent(500 * kGiB, 200 * kMiB), 0);
   EXPECT_EQ(corvane::core::UsedPercent(2, 3), 150);  // the control clamps, not the rule
   EXPECT_EQ(corvane::core::UsedPercent(1, UINT64_MAX), INT_MAX);
 }

@@ -26,11 +26,7 @@ TEST_F(BarTest, RightGroupJoinsIconsScaledToTheirLabels) {
     const wchar_t* joined;
   } pictures[] = {
       {L"tb_dt1.png", L"tb_normal.png", L"tb_normals.png", L"tb_dd1.png"},
-      {L"tb_dt2.png", L"tb_normal1.png", L"tb_normal1s.png", L"tb_dd2.png"},
-      {L"tb_dt3.png", L"tb_pre.png", L"tb_pres.png", L"tb_dd3.png"},
-      {L"set_dt1.png", L"setting_normal.png", L"setting_normals.png", L"set_dd1.png"},
       {L"set_dt2.png", L"setting_normal1.png", L"setting_normal1s.png", L"set_dd2.png"},
-      {L"set_dt3.png", L"setting_pre.png", L"setting_pres.png", L"set_dd3.png"},
       {L"zsk_dt.png", L"zsk.png", L"zsks.png", nullptr},
   };
   for (const auto& p : pictures) {

@@ -1,4 +1,6 @@
 // The pure text rules behind the registry readers; no Windows header, so this also builds natively.
+// The integer rule is also fuzzed against a reference reading; these are its boundaries. The sync
+// path steps are fuzzed exactly and read through the sync-path reader's own test.
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -8,7 +10,6 @@
 #include <string>
 
 #include "core/numbers.h"
-#include "core/sync_path.h"
 
 namespace {
 
@@ -22,28 +23,16 @@ TEST(ParseDecimalInt32, BlanksSignsTrailingTextAndRange) {
     std::int32_t expected;
   } const cases[] = {
       {L"", 0},
-      {L"abc", 0},
-      {L"true", 0},
-      {L"1", 1},
-      {L" 1", 1},
       {L"\t\r\n\v\f 42x", 42},
-      {L"1abc", 1},
-      {L"1 2", 1},
       {L"+7", 7},
       {L"-7", -7},
       {L"--7", 0},
-      {L"+-7", 0},
-      {L"- 7", 0},
-      {L"-", 0},
-      {L"007", 7},
-      {L"-0", 0},
       {L"2147483647", 2147483647},
       {L"2147483648", 0},
       {L"-2147483648", std::numeric_limits<std::int32_t>::min()},
       {L"-2147483649", 0},
-      {L"00000000002147483647", 2147483647},
+      {L"00000000002147483647", 2147483647},  // leading zeros do not count toward the range
       {L"4294967297", 0},  // would read as 1 if it wrapped
-      {L"99999999999999999999999", 0},
       {L"\u00a01", 0},  // a no-break space is not a blank
       {L"\uff11", 0},   // nor is a full-width digit a digit
       {std::wstring(L"1\0" L"2", 3), 1},
@@ -59,17 +48,12 @@ TEST(ParseDecimalInt64, SixtyFourBitRange) {
     std::wstring text;
     std::int64_t expected;
   } const cases[] = {
-      {L"1073741824", 1073741824},
-      {L"1073741825", 1073741825},
-      {L" -1", -1},
       {L"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
       {L"9223372036854775808", 0},
       {L"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
       {L"-9223372036854775809", 0},
-      {L"18446744073709551616", 0},  // 2^64 would read as 0 anyway; make sure 2^64+1 does not wrap to 1
-      {L"18446744073709551617", 0},
+      {L"18446744073709551617", 0},  // 2^64 + 1 must not wrap to 1
       {L"5GB", 5},
-      {L"GB5", 0},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(ParseDecimalInt64(c.text), c.expected) << c.text.size();
@@ -82,32 +66,20 @@ TEST(ParseDecimalReal, DecimalAndExponentFormsOnly) {
     std::optional<double> expected;
   } const cases[] = {
       {L"1.25", 1.25},
-      {L"1", 1.0},
       {L" \t1.5", 1.5},
-      {L"+2", 2.0},
-      {L"-0.5", -0.5},
       {L".5", 0.5},
       {L"5.", 5.0},
       {L"2e-1", 0.2},
       {L"2E+1", 20.0},
-      {L"1.5e2x", 150.0},
       {L"2e", 2.0},  // no exponent digits: the 'e' is trailing text
-      {L"2e+", 2.0},
-      {L"1.5x", 1.5},
       {L"1,25", 1.0},  // the decimal point is '.', never the locale's comma
       {L"0x10", 0.0},  // no hexadecimal: "x10" is trailing text
       {L"", std::nullopt},
-      {L" ", std::nullopt},
       {L".", std::nullopt},
-      {L"-", std::nullopt},
-      {L"+.", std::nullopt},
       {L"e5", std::nullopt},
-      {L"abc", std::nullopt},
       {L"inf", std::nullopt},
       {L"nan", std::nullopt},
-      {L"infinity", std::nullopt},
       {L"1e400", std::nullopt},
-      {L"-1e400", std::nullopt},
       {L"1e-400", std::nullopt},
       {L"\uff11.5", std::nullopt},
   };
@@ -142,35 +114,8 @@ TEST(ParseDecimalReal, IgnoresTheLocaleDecimalComma) {
 
 TEST(UnsignedDecimal, WindowNumbersAsValueNames) {
   EXPECT_EQ(corvane::core::UnsignedDecimal(0), L"0");
-  EXPECT_EQ(corvane::core::UnsignedDecimal(7), L"7");
   EXPECT_EQ(corvane::core::UnsignedDecimal(65602), L"65602");
-  EXPECT_EQ(corvane::core::UnsignedDecimal(1000000), L"1000000");
   EXPECT_EQ(corvane::core::UnsignedDecimal(std::numeric_limits<std::uint64_t>::max()), L"18446744073709551615");
-}
-
-TEST(SyncPathText, OneTrailingBackslashDroppedAndSlashesTurned) {
-  struct Case {
-    std::wstring text;
-    bool dropped;
-    std::wstring afterDrop;
-    std::wstring afterSlashes;
-  } const cases[] = {
-      {L"", false, L"", L""},
-      {L"D:\\Sync", false, L"D:\\Sync", L"D:\\Sync"},
-      {L"D:\\Sync\\", true, L"D:\\Sync", L"D:\\Sync"},
-      {L"D:\\Sync\\\\", true, L"D:\\Sync\\", L"D:\\Sync\\"},
-      {L"\\", true, L"", L""},
-      {L"D:/Sync/", false, L"D:/Sync/", L"D:\\Sync\\"},
-      {L"D:/Sync/\\", true, L"D:/Sync/", L"D:\\Sync\\"},
-      {L"//server/share/a", false, L"//server/share/a", L"\\\\server\\share\\a"},
-  };
-  for (const auto& c : cases) {
-    std::wstring path = c.text;
-    EXPECT_EQ(corvane::core::DropOneTrailingBackslash(path), c.dropped) << c.text.size();
-    EXPECT_EQ(path, c.afterDrop);
-    corvane::core::SlashesToBackslashes(path);
-    EXPECT_EQ(path, c.afterSlashes);
-  }
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "registry_fixture.h"
 
-#include <atomic>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
@@ -21,22 +19,13 @@ LogLine Debug(std::wstring message) { return {L"[Debug]", std::move(message)}; }
 
 void RegistryTest::SetUp() {
   DeleteHalvexTree();
-  static std::atomic<int> counter{0};
-  wchar_t temp[MAX_PATH] = {};
-  ::GetTempPathW(MAX_PATH, temp);
-  m_scratch = std::wstring(temp) + L"corvane-reg-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
-              std::to_wstring(counter++);
-  std::filesystem::remove_all(m_scratch);
-  std::filesystem::create_directories(m_scratch);
-  g_pLogger = new LOGGER::CLogger(4, m_scratch + L"\\log", L"Corvane");
+  g_pLogger = new LOGGER::CLogger(4, m_scratch / L"log", L"Corvane");
 }
 
 void RegistryTest::TearDown() {
   delete g_pLogger;
   g_pLogger = nullptr;
   DeleteHalvexTree();
-  std::error_code ignored;
-  std::filesystem::remove_all(m_scratch, ignored);
 }
 
 void RegistryTest::DeleteHalvexTree() { ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str()); }
@@ -51,13 +40,13 @@ void RegistryTest::SetRaw(const std::wstring& subkey, const std::wstring& name, 
 }
 
 std::wstring RegistryTest::MakeFolder(const std::wstring& name) const {
-  const std::wstring path = m_scratch + L"\\" + name;
+  const std::wstring path = m_scratch / name;
   std::filesystem::create_directories(path);
   return path;
 }
 
 std::wstring RegistryTest::MakeFile(const std::wstring& name) const {
-  const std::wstring path = m_scratch + L"\\" + name;
+  const std::wstring path = m_scratch / name;
   std::ofstream(std::filesystem::path(path)) << "png";
   return path;
 }
@@ -72,17 +61,6 @@ std::vector<LogLine> RegistryTest::LogOf(const std::wstring& function) const {
     found.push_back({line.substr(0, tagEnd + 1), line.substr(at + location.size())});
   }
   return found;
-}
-
-std::wstring RegistryTest::LogFileText() const {
-  std::ifstream in(std::filesystem::path(g_pLogger->Path()), std::ios::binary);
-  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  std::wstring text;
-  for (size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    text.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
-                                        (static_cast<unsigned char>(bytes[i + 1]) << 8)));
-  }
-  return text;
 }
 
 }  // namespace registrytest

@@ -11,6 +11,7 @@
 
 #include "client_keys.h"
 #include "debug_capture.h"
+#include "log_files.h"
 
 namespace registrytest {
 
@@ -46,17 +47,15 @@ class RegistryTest : public ::testing::Test {
   // A folder created under this test's temporary folder (name may contain backslashes).
   std::wstring MakeFolder(const std::wstring& name) const;
   std::wstring MakeFile(const std::wstring& name) const;
-  const std::wstring& Scratch() const { return m_scratch; }
+  const std::wstring& Scratch() const { return m_scratch.Path(); }
 
   // The lines logged under [function], in order.
   std::vector<LogLine> LogOf(const std::wstring& function) const;
-  // The content of the log file (Info lines only reach it).
-  std::wstring LogFileText() const;
   void ClearLog() { m_capture.Clear(); }
 
  private:
   testsupport::DebugCapture m_capture;
-  std::wstring m_scratch;
+  logtest::TempFolder m_scratch;
 };
 
 }  // namespace registrytest

@@ -145,17 +145,6 @@ TEST_F(ReaderOpening, EachMissingPieceFailsWithItsOwnMessageAndLevel) {
   }
 }
 
-TEST_F(ReaderOpening, InfoLinesReachTheLogFileAndDebugLinesDoNot) {
-  SetUser(L"short");
-  EXPECT_FALSE(regUtil::checkReadyLogin());
-  std::wstring logo;
-  EXPECT_FALSE(regUtil::getLogoPath(logo));
-  const std::wstring file = LogFileText();
-  EXPECT_NE(file.find(L"[regUtil::checkReadyLogin]" + kUserInvalid), std::wstring::npos);
-  EXPECT_EQ(file.find(L"regUtil::getLogoPath"), std::wstring::npos);
-  EXPECT_EQ(LogOf(L"regUtil::getLogoPath"), std::vector<LogLine>{Debug(kUserInvalid)});
-}
-
 TEST_F(ReaderOpening, GetCurrentUserNeedsOnlyTheValue) {
   std::wstring user = L"sentinel";
   EXPECT_FALSE(regUtil::getCurrentUser(user));

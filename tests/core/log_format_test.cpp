@@ -1,4 +1,5 @@
-// The text shapes of the log: file-name suffix, line prefix, location, rotation names.
+// The text shapes of the log: file-name suffix, line prefix, location, rotation names. The fuzzer
+// checks the same shapes against printf over every int; these pin the layout itself.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -19,7 +20,6 @@ TEST(LogFileSuffix, PadsEveryFieldAndEndsInTheGuid) {
     const wchar_t* suffix;
   } cases[] = {
       {{2026, 11, 15, 22, 10, 5}, kGuid, L"20261115221005_6F9619FF-8B86-D011-B42D-00C04FC964FF.log"},
-      {{2027, 1, 2, 3, 4, 5}, kGuid, L"20270102030405_6F9619FF-8B86-D011-B42D-00C04FC964FF.log"},
       {{999, 12, 31, 23, 59, 59}, kGuid, L"09991231235959_6F9619FF-8B86-D011-B42D-00C04FC964FF.log"},
       {{2026, 1, 1, 0, 0, 0}, L"", L"20260101000000_.log"},
   };
@@ -34,7 +34,6 @@ TEST(LogTimePrefix, SameShapeInBothWidths) {
   } cases[] = {
       {{2026, 11, 15, 22, 10, 5}, 123456, "[2026-11-15 22:10:05.123456]"},
       {{2027, 1, 2, 3, 4, 5}, 7, "[2027-01-02 03:04:05.000007]"},
-      {{2027, 1, 2, 0, 0, 0}, 0, "[2027-01-02 00:00:00.000000]"},
       {{2027, 12, 31, 23, 59, 59}, 999999, "[2027-12-31 23:59:59.999999]"},
       {{45, 6, 7, 8, 9, 10}, 4050, "[0045-06-07 08:09:10.004050]"},
   };
@@ -54,10 +53,8 @@ TEST(LogLocation, ShowsThePartAfterTheLastBackslash) {
   } cases[] = {
       {"C:\\src\\bar\\titlewindow.cpp", 812, 5312, "CTitleWindow::OnTimer",
        "[titlewindow.cpp:812][5312][CTitleWindow::OnTimer]"},
-      {"titlewindow.cpp", 1, 2, "DllMain", "[titlewindow.cpp:1][2][DllMain]"},
       {"/src/bar/titlewindow.cpp", 3, 4, "f", "[/src/bar/titlewindow.cpp:3][4][f]"},
       {"C:\\src/bar\\x.cpp", 0, 0, "g", "[x.cpp:0][0][g]"},
-      {"C:\\src\\", 9, 10, "h", "[:9][10][h]"},
       {nullptr, 55, 66, "CLogger::Info", "[:55][66][CLogger::Info]"},
       {"", 5, 6, "", "[:5][6][]"},
       {"a.cpp", 2147483647, -1, "big", "[a.cpp:2147483647][-1][big]"},
@@ -83,9 +80,6 @@ TEST(LogLocation, PassesNonAsciiNamesThrough) {
 
 constexpr std::uint64_t kEpoch = 116444736000000000ull;  // 1970-01-01 in FILETIME units
 
-// The exact sub-second part, in whole microseconds.
-int ExactFraction(std::uint64_t fileTime) { return static_cast<int>(((fileTime - kEpoch) / 10) % 1000000); }
-
 TEST(MicrosecondFraction, KnownReadings) {
   const struct {
     std::uint64_t fileTime;
@@ -94,34 +88,10 @@ TEST(MicrosecondFraction, KnownReadings) {
       {kEpoch, 0},
       {kEpoch + 9, 0},  // 900 ns is not yet a microsecond
       {kEpoch + 10, 1},
-      {kEpoch + 9999999, 999999},
-      {kEpoch + 10000000, 0},
       {kEpoch + 17634000001234567ull, 123456},  // 2025
       {kEpoch + 42949672959999990ull, 999999},  // the last second that fits in 32 bits
   };
   for (const auto& c : cases) EXPECT_EQ(core::MicrosecondFraction(c.fileTime), c.micros) << c.fileTime;
-}
-
-TEST(MicrosecondFraction, StaysInRangeAndWithinOneMicrosecond) {
-  // Readings spread over 1970..2106 plus a dense run around the present, each ending anywhere
-  // in its second.
-  std::uint64_t state = 0x9E3779B97F4A7C15ull;
-  auto next = [&state] {
-    state = state * 6364136223846793005ull + 1442695040888963407ull;
-    return state >> 11;
-  };
-  constexpr std::uint64_t kSpan = 42949672950000000ull;  // 2^32 - 1 seconds of 100 ns
-  constexpr std::uint64_t kNow = kEpoch + 17800000000000000ull;
-  int failures = 0;
-  for (int i = 0; i < 400000 && failures < 10; ++i) {
-    const std::uint64_t fileTime = (i % 2 == 0) ? kEpoch + next() % kSpan : kNow + next() % 864000000000ull;
-    const int fraction = core::MicrosecondFraction(fileTime);
-    const int exact = ExactFraction(fileTime);
-    if (fraction < 0 || fraction > 999999 || fraction - exact > 1 || exact - fraction > 1) {
-      ADD_FAILURE() << "file time " << fileTime << ": " << fraction << " against " << exact;
-      ++failures;
-    }
-  }
 }
 
 TEST(LogNames, GuidBracesAndRotatedCopies) {
@@ -131,14 +101,12 @@ TEST(LogNames, GuidBracesAndRotatedCopies) {
 
   const std::wstring path = L"C:\\Halvex\\log\\Corvane\\Corvane20261115221005_6F9619FF.log";
   EXPECT_EQ(core::RotatedName(path, 1), path + L".1");
-  EXPECT_EQ(core::RotatedName(path, 2), path + L".2");
   EXPECT_EQ(core::RotatedName(path, 10), path + L".10");
 }
 
 TEST(SourceName, CutsCompilerPathsAtTheLastSlash) {
   static_assert(std::char_traits<char>::compare(core::SourceName("/work/src/log/logger.cpp"), "logger.cpp", 11) == 0);
   EXPECT_STREQ(core::SourceName(L"/work/src/bar/titlewindow.cpp"), L"titlewindow.cpp");
-  EXPECT_STREQ(core::SourceName(L"titlewindow.cpp"), L"titlewindow.cpp");
   EXPECT_STREQ(core::SourceName(L"/work/src/"), L"");
   // A backslash path (MSVC's __FILE__) is left for the location to cut.
   EXPECT_STREQ(core::SourceName(L"C:\\src\\dllmain.cpp"), L"C:\\src\\dllmain.cpp");

@@ -4,39 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <vector>
-
+#include "../client_registry/saved_value.h"
 #include "explorer/status_bar.h"
 
 namespace {
 
 const wchar_t kAdvanced[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced";
-const wchar_t kValue[] = L"ShowStatusBar";
 
 class ShowStatusBarSetting : public ::testing::Test {
  protected:
-  void SetUp() override {
-    DWORD type = 0, size = 0;
-    if (::RegGetValueW(HKEY_CURRENT_USER, kAdvanced, kValue, RRF_RT_ANY, &type, nullptr, &size) == ERROR_SUCCESS) {
-      m_saved.emplace(size);
-      ASSERT_EQ(::RegGetValueW(HKEY_CURRENT_USER, kAdvanced, kValue, RRF_RT_ANY, &type, m_saved->data(), &size),
-                ERROR_SUCCESS);
-      m_savedType = type;
-    }
-  }
-  void TearDown() override {
-    Remove();
-    if (m_saved) {
-      ::RegSetKeyValueW(HKEY_CURRENT_USER, kAdvanced, kValue, m_savedType, m_saved->data(),
-                        static_cast<DWORD>(m_saved->size()));
-    }
-  }
-  static void Remove() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kAdvanced, kValue); }
-
- private:
-  std::optional<std::vector<BYTE>> m_saved;
-  DWORD m_savedType = REG_NONE;
+  registrytest::SavedValue m_value{kAdvanced, L"ShowStatusBar"};
 };
 
 TEST_F(ShowStatusBarSetting, MissingValueReadsAsHiddenAndEveryCallReadsAfresh) {
@@ -57,9 +34,9 @@ TEST_F(ShowStatusBarSetting, MissingValueReadsAsHiddenAndEveryCallReadsAfresh) {
   };
   for (const Case& c : cases) {
     if (c.value != nullptr) {
-      ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kAdvanced, kValue, REG_DWORD, c.value, sizeof(DWORD)), ERROR_SUCCESS);
+      ASSERT_TRUE(m_value.WriteDword(*c.value));
     } else {
-      Remove();
+      m_value.Remove();
     }
     EXPECT_EQ(statusBar.IsStatusBarShown(), c.shown) << c.what;
   }

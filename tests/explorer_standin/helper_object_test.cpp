@@ -152,11 +152,17 @@ TEST(StandinHelperObject, LoadsEveryRegisteredObjectExceptNoExplorerOnes) {
     EXPECT_EQ(Select(record, L"setsite", {{L"name", e.name}, {L"site", L"0"}}).size(), e.count);
     EXPECT_EQ(Select(record, L"destroyed", {{L"name", e.name}}).size(), e.count);
   }
-  // Each window's objects are sited on that window's thread, both before its view is made.
-  std::set<DWORD> threads;
-  for (const ProbeEntry& entry : Select(record, L"setsite", {{L"site", L"1"}})) threads.insert(entry.thread);
-  EXPECT_EQ(threads.size(), 2u);
-  EXPECT_EQ(Select(record, L"cbt", {{L"class", L"DUIViewWndClassName"}}).size(), 2u);
+  // Each window's objects are sited on that window's own thread, before its view is made there;
+  // quit closes each window with OnQuit and SetSite(NULL) on that same thread.
+  std::multiset<DWORD> sited, views, quits, unsited;
+  for (const ProbeEntry& entry : Select(record, L"setsite", {{L"site", L"1"}, {L"name", L"full"}})) sited.insert(entry.thread);
+  for (const ProbeEntry& entry : Select(record, L"cbt", {{L"class", L"DUIViewWndClassName"}})) views.insert(entry.thread);
+  for (const ProbeEntry& entry : Select(record, L"invoke", {{L"dispid", L"253"}})) quits.insert(entry.thread);
+  for (const ProbeEntry& entry : Select(record, L"setsite", {{L"site", L"0"}, {L"name", L"full"}})) unsited.insert(entry.thread);
+  EXPECT_EQ(std::set<DWORD>(sited.begin(), sited.end()).size(), 2u);
+  EXPECT_EQ(views, sited);
+  EXPECT_EQ(quits, sited);
+  EXPECT_EQ(unsited, sited);
 }
 
 }  // namespace

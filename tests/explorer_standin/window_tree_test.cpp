@@ -116,13 +116,6 @@ TEST(StandinWindowTree, ClassesParentageAndLayout) {
   EXPECT_EQ(list.right, resized.right);
   EXPECT_EQ(list.bottom, resized.bottom);
   EXPECT_TRUE(Fills(duiView, tab));
-
-  // Moving the frame moves it, and nothing inside it changes place.
-  ASSERT_EQ(standin.Command(L"move 1 123 87"), L"ok");
-  ::GetWindowRect(frame, &outer);
-  EXPECT_EQ(outer.left, 123);
-  EXPECT_EQ(outer.top, 87);
-  EXPECT_EQ(InParent(directUi).top, 40);
 }
 
 }  // namespace

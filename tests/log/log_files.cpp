@@ -142,15 +142,19 @@ std::vector<std::wstring> SplitCrLf(const std::wstring& text) {
   return lines;
 }
 
-void WriteUtf16(const std::wstring& path, const std::wstring& text) {
+void WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes) {
   const corvane::unique_file file = OpenShared(path, GENERIC_WRITE, CREATE_ALWAYS);
   ASSERT_TRUE(file) << ::GetLastError();
+  WriteAll(file.get(), bytes.data(), bytes.size());
+}
+
+void WriteUtf16(const std::wstring& path, const std::wstring& text) {
   std::vector<std::uint8_t> bytes;
   for (wchar_t c : text) {
     bytes.push_back(static_cast<std::uint8_t>(c & 0xFF));
     bytes.push_back(static_cast<std::uint8_t>(c >> 8));
   }
-  WriteAll(file.get(), bytes.data(), bytes.size());
+  WriteBytes(path, bytes);
 }
 
 void FillTo(const std::wstring& path, std::int64_t size) {
@@ -217,6 +221,14 @@ bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int par
 std::wstring FileNameOf(const std::wstring& path) {
   const size_t slash = path.rfind(L'\\');
   return slash == std::wstring::npos ? path : path.substr(slash + 1);
+}
+
+std::string Utf8(const std::wstring& text) {
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
+                                         nullptr);
+  std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
+  return out;
 }
 
 }  // namespace logtest

@@ -1,6 +1,7 @@
 #pragma once
-// Files and folders for the logger tests: a fresh folder per test, and the log read back the way
-// another process would see it while the logger still holds it open.
+// Files and folders for the logger tests (and the other tests that need a fresh folder): a fresh
+// folder per test, and files read back the way another process would see them while the logger
+// still holds them open.
 #include <windows.h>
 
 #include <cstdint>
@@ -19,6 +20,7 @@ class TempFolder {
 
   // Full path, without a trailing backslash.
   const std::wstring& Path() const noexcept { return m_path; }
+  std::wstring operator/(const std::wstring& name) const { return m_path + L"\\" + name; }
 
  private:
   std::wstring m_path;
@@ -34,7 +36,8 @@ std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional = fa
 std::wstring ReadUtf16(const std::wstring& path, bool optional = false);
 // Lines ended by CR LF; text after the last CR LF is returned as a last, unterminated line.
 std::vector<std::wstring> SplitCrLf(const std::wstring& text);
-// Writes a file of UTF-16LE text, replacing what was there.
+// Writes a file of these bytes, or of UTF-16LE text, replacing what was there.
+void WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes);
 void WriteUtf16(const std::wstring& path, const std::wstring& text);
 // Appends UTF-16LE filler lines through a handle of its own until the file has `size` bytes.
 void FillTo(const std::wstring& path, std::int64_t size);
@@ -62,5 +65,8 @@ bool ParseLogLine(const std::wstring& text, LogLine& out);
 bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts);
 
 std::wstring FileNameOf(const std::wstring& path);
+
+// For texts with Chinese letters in assertions (gtest prints UTF-8 bytes safely) and in files.
+std::string Utf8(const std::wstring& text);
 
 }  // namespace logtest

@@ -1,6 +1,7 @@
 // Rotation at 5 MiB, alone and with several threads writing through it.
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <map>
 #include <string>
 #include <string_view>
@@ -29,20 +30,9 @@ wchar_t PayloadLetter(int thread, int index) { return static_cast<wchar_t>(L'a' 
 
 // "T<thread> L<index> <payload>"
 bool SplitWriterMessage(const std::wstring& message, int& thread, int& index, std::wstring_view& payload) {
-  const size_t first = message.find(L' ');
-  if (message.size() < 2 || message[0] != L'T' || first == std::wstring::npos || first + 1 >= message.size() ||
-      message[first + 1] != L'L') {
-    return false;
-  }
-  const size_t second = message.find(L' ', first + 1);
-  if (second == std::wstring::npos) return false;
-  try {
-    thread = std::stoi(message.substr(1, first - 1));
-    index = std::stoi(message.substr(first + 2, second - first - 2));
-  } catch (...) {
-    return false;
-  }
-  payload = std::wstring_view(message).substr(second + 1);
+  int end = 0;
+  if (::swscanf_s(message.c_str(), L"T%d L%d %n", &thread, &index, &end) != 2 || end == 0) return false;
+  payload = std::wstring_view(message).substr(static_cast<size_t>(end));
   return true;
 }
 

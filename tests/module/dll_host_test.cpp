@@ -97,7 +97,6 @@ TEST(DllHost, ExplorerAndTheRegistrationToolLoadIt) {
 TEST(DllHost, EveryOtherHostIsRefused) {
   const HostCase cases[] = {
       {L"other\\myexplorer.exe", false},
-      {L"other\\notepad.exe", false},
       // U+0145: a narrowing lower-case would turn it into 'e'.
       {L"other\\\u0145XPLORER.EXE", false},
   };

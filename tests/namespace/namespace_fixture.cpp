@@ -9,8 +9,6 @@ namespace nstest {
 
 namespace {
 
-const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
-
 std::wstring Parent(std::wstring path) {
   if (!path.empty() && path.back() == L'\\') path.pop_back();
   return path.substr(0, path.rfind(L'\\') + 1);
@@ -22,20 +20,9 @@ std::wstring Parent(std::wstring path) {
 std::wstring DllPath() { return Parent(corvane::ThisModuleFolder()) + L"Corvane.dll"; }
 std::wstring ClientExe() { return Parent(Parent(corvane::ThisModuleFolder())) + L"Halvex.exe"; }
 
-std::string Utf8(const std::wstring& text) {
-  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
-                                         nullptr);
-  std::string out(static_cast<size_t>(size), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
-  return out;
-}
-
 void NamespaceTest::SetUp() {
   ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
-  DWORD size = sizeof(m_savedTheme);
-  m_hadTheme = ::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", RRF_RT_REG_DWORD, nullptr,
-                              &m_savedTheme, &size) == ERROR_SUCCESS;
-  SetDarkTheme(false);
+  m_theme.emplace(false);
   m_clients = std::make_unique<launchertest::StandinSession>();
   m_scratch = std::make_unique<standintest::ScratchFolder>();
   m_syncFolder = m_scratch->MakeFolder(L"同步盘");
@@ -46,12 +33,7 @@ void NamespaceTest::TearDown() {
   m_host.reset();
   nshost::PumpFor(50);
   testsupport::ClearClientState();
-  if (m_hadTheme) {
-    ::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", REG_DWORD, &m_savedTheme,
-                      sizeof(m_savedTheme));
-  } else {
-    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme");
-  }
+  m_theme.reset();
   EXPECT_TRUE(launchertest::WaitForNoClient());
   m_scratch.reset();
   m_clients.reset();
@@ -59,12 +41,6 @@ void NamespaceTest::TearDown() {
 }
 
 void NamespaceTest::Publish(ClientState state) { testsupport::PublishClientState(state, m_syncFolder); }
-
-void NamespaceTest::SetDarkTheme(bool dark) {
-  const DWORD light = dark ? 0 : 1;
-  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, L"AppsUseLightTheme", REG_DWORD, &light, sizeof(light)),
-            ERROR_SUCCESS);
-}
 
 void NamespaceTest::OpenView(int width, int height) {
   m_host = std::make_unique<nshost::NamespaceHost>();

@@ -7,12 +7,15 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "../client_launcher/standin_session.h"
+#include "../client_registry/saved_value.h"
 #include "../explorer_standin/scratch_folder.h"
 #include "client_state.h"
+#include "log_files.h"
 #include "namespace_host.h"
 
 namespace nstest {
@@ -22,8 +25,7 @@ using testsupport::ClientState;
 // Where the test program's DLL and client stand-in lie.
 std::wstring DllPath();
 std::wstring ClientExe();
-// For comparing texts with Chinese letters in assertions: gtest prints UTF-8 bytes safely.
-std::string Utf8(const std::wstring& text);
+using logtest::Utf8;
 
 class NamespaceTest : public ::testing::Test {
  protected:
@@ -32,7 +34,7 @@ class NamespaceTest : public ::testing::Test {
 
   // Publishes the state; kSyncReady names the scratch sync folder.
   void Publish(ClientState state);
-  static void SetDarkTheme(bool dark);
+  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
 
   // A folder of the This PC class from the DLL, and its view in a frame of the given client size.
   void OpenView(int width, int height);
@@ -49,8 +51,7 @@ class NamespaceTest : public ::testing::Test {
   std::unique_ptr<nshost::NamespaceHost> m_host;
 
  private:
-  DWORD m_savedTheme = 0;
-  bool m_hadTheme = false;
+  std::optional<registrytest::ThemeOverride> m_theme;
 };
 
 }  // namespace nstest

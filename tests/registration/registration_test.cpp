@@ -98,7 +98,6 @@ TEST_F(Registration, ExportResultsAndWhereTheyWrite) {
       {L"register register", {S_OK, S_OK}, State::Machine},
       {L"register unregister unregister", {S_OK, S_OK, failed}, State::Nothing},
       {L"install:1:USER", {S_OK}, State::User},
-      {L"install:1:user", {S_OK}, State::User},
       {L"install:1:users", {S_OK}, State::Machine},
       {L"install:1:use", {S_OK}, State::Machine},
       {L"install:1", {S_OK}, State::Machine},

@@ -1,5 +1,6 @@
-// The tool button base in a real parent window: its four states under real and sent mouse
-// messages, enabling, focus, its default painting, and the theme notification of both buttons.
+// The tool button base in a real parent window: its four states under sent mouse messages
+// (real input drives the same base in the PNG button's tests), enabling, focus, its default
+// painting, and the theme notification of every button kind.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -47,14 +48,6 @@ class DefaultToolButton : public ::testing::Test {
     ::ClientToScreen(Button(), &point);
     ::SetCursorPos(point.x, point.y);
   }
-  // A fresh parent and button, for tables of scenarios inside one test.
-  void Reset() {
-    TearDown();
-    m_parent.DestroyWindow();
-    Pump();
-    m_parent.commands.clear();
-    SetUp();
-  }
   CCommandRecorder::Command Click() const {
     return {MAKEWPARAM(kId, BN_CLICKED), reinterpret_cast<LPARAM>(Button())};
   }
@@ -64,49 +57,6 @@ class DefaultToolButton : public ::testing::Test {
 };
 
 }  // namespace
-
-TEST_F(DefaultToolButton, RealMouseClicksAndCancelledClicks) {
-  struct Step {
-    enum Kind { Move, Down, Up } kind;
-    int x = 0, y = 0;
-  };
-  struct Scenario {
-    const char* name;
-    std::vector<Step> steps;
-    bool enabled;
-    size_t clicks;
-    int finalState;
-  };
-  const Scenario scenarios[] = {
-      {"press and release inside", {{Step::Move, 50, 20}, {Step::Down}, {Step::Up}}, true, 1, 1},
-      {"press, drag out, release", {{Step::Move, 50, 20}, {Step::Down}, {Step::Move, -10, 50}, {Step::Up}}, true, 0, 0},
-      {"press, out and back in, release",
-       {{Step::Move, 50, 20}, {Step::Down}, {Step::Move, 130, 20}, {Step::Move, 60, 25}, {Step::Up}},
-       true,
-       1,
-       1},
-      {"disabled", {{Step::Move, 50, 20}, {Step::Down}, {Step::Up}}, false, 0, 3},
-  };
-  for (const Scenario& scenario : scenarios) {
-    SCOPED_TRACE(scenario.name);
-    Reset();
-    m_button->EnableButton(scenario.enabled);
-    for (const Step& step : scenario.steps) {
-      if (step.kind == Step::Move) MoveMouseTo(Button(), step.x, step.y);
-      if (step.kind == Step::Down) {
-        LeftButton(true);
-        if (scenario.enabled) {
-          EXPECT_EQ(m_button->GetState(), 2);
-          EXPECT_EQ(::GetCapture(), Button());
-        }
-      }
-      if (step.kind == Step::Up) LeftButton(false);
-    }
-    EXPECT_EQ(m_parent.commands, std::vector<CCommandRecorder::Command>(scenario.clicks, Click()));
-    EXPECT_EQ(m_button->GetState(), scenario.finalState);
-    EXPECT_EQ(::GetCapture(), nullptr);
-  }
-}
 
 TEST_F(DefaultToolButton, HoverReturnsOnlyAfterLeavingAndEntering) {
   Send(WM_MOUSEMOVE);

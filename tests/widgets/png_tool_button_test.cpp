@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/module_path.h"
 #include "widget_support.h"
 #include "widgets/png_tool_button.h"
 
@@ -187,37 +186,26 @@ TEST_F(PngToolButton, PaintsPictureOverTheThemeBackgroundWithTransparency) {
   EXPECT_EQ(Shown(), Opaque(RGB(32, 32, 32)));
 }
 
-TEST_F(PngToolButton, ImagePathsAndSize) {
-  // Relative names are taken under the module folder, as the bar passes "CorvaneSkin\\...".
-  const std::wstring module = corvane::ThisModuleFolder();
-  const TempFolder skin(module + L"CorvaneSkin");
-  const std::wstring relative = skin.Path().substr(module.size()) + L"logo.png";
-  WritePng(module + relative, 17, 9, kSlotColours[2]);
-  CPngToolButton button;
-  ASSERT_TRUE(button.SetImages(relative, relative, relative, relative));
-  for (int slot = 0; slot < 4; ++slot) {
-    EXPECT_EQ(button.GetImagePath(slot), module + relative);
-    EXPECT_TRUE(button.HasImage(slot));
-  }
-  EXPECT_EQ(button.GetImageWidth(), 17);
-  EXPECT_EQ(button.GetImageHeight(), 9);
-  // One file in every slot shows the same picture in every state.
-  const RECT rect{100, 20, 117, 29};
-  ASSERT_NE(button.Create(m_parent.m_hWnd, &rect, L"", WS_CHILD | WS_VISIBLE, 0, 2003), nullptr);
-  for (const BOOL enabled : {TRUE, FALSE}) {
-    ::EnableWindow(button.m_hWnd, enabled);
-    const auto shown = CaptureClient(button.m_hWnd);
-    ASSERT_TRUE(shown);
-    EXPECT_EQ(shown->at(8, 4), kSlotColours[2]) << "enabled " << enabled;
-  }
-
-  // Absolute paths are kept; the size is slot 1's, whatever the others measure.
+// Relative names ("CorvaneSkin\\...") are resolved under the module folder: the bar's tests read
+// the logo button's path back.
+TEST_F(PngToolButton, AbsolutePathsTheFirstSlotsSizeAndOneFileForAllSlots) {
   WritePng(m_folder / L"small.png", 5, 5, kSlotColours[1]);
-  ASSERT_TRUE(button.SetImages(m_paths[0], m_folder / L"small.png", m_folder / L"missing.png", relative));
+  CPngToolButton button;
+  EXPECT_TRUE(button.SetImages(m_paths[0], m_folder / L"small.png", m_folder / L"missing.png", m_paths[3]));
   EXPECT_EQ(button.GetImagePath(0), m_paths[0]);
   EXPECT_EQ(button.GetImageWidth(), 30);
   EXPECT_EQ(button.GetImageHeight(), 20);
+  EXPECT_TRUE(button.HasImage(1));
   EXPECT_FALSE(button.HasImage(2));
+
+  // One file in every slot is decoded once and copied: the copies show as well.
+  ASSERT_TRUE(button.SetImages(m_paths[2], m_paths[2], m_paths[2], m_paths[2]));
+  const RECT rect{100, 20, 130, 40};
+  ASSERT_NE(button.Create(m_parent.m_hWnd, &rect, L"", WS_CHILD | WS_VISIBLE, 0, 2003), nullptr);
+  ::EnableWindow(button.m_hWnd, FALSE);
+  const auto shown = CaptureClient(button.m_hWnd);
+  ASSERT_TRUE(shown);
+  EXPECT_EQ(shown->at(10, 5), kSlotColours[2]);
   button.DestroyButton();
 }
 

@@ -2,11 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <filesystem>
 #include <memory>
 #include <ostream>
-#include <system_error>
 
 #include "client_keys.h"
 #include "platform/gdiplus_session.h"
@@ -31,57 +28,7 @@ class GdiplusEnvironment : public ::testing::Environment {
 };
 [[maybe_unused]] ::testing::Environment* const g_gdiplus = ::testing::AddGlobalTestEnvironment(new GdiplusEnvironment);
 
-std::atomic<int> g_folderCount{0};
-
-const wchar_t kPersonalize[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize";
-const wchar_t kLightValue[] = L"AppsUseLightTheme";
-
 }  // namespace
-
-TempFolder::TempFolder(const std::wstring& parent) {
-  std::wstring base = parent;
-  if (base.empty()) {
-    wchar_t temp[MAX_PATH + 1] = {};
-    ::GetTempPathW(MAX_PATH, temp);
-    base = temp;
-  }
-  if (!base.empty() && base.back() != L'\\') base += L'\\';
-  m_path = base + L"corvane-widgets-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
-           std::to_wstring(::GetTickCount64()) + L"-" + std::to_wstring(++g_folderCount) + L"\\";
-  std::error_code error;
-  std::filesystem::remove_all(m_path, error);
-  EXPECT_TRUE(std::filesystem::create_directories(m_path, error)) << error.message();
-}
-
-TempFolder::~TempFolder() {
-  std::error_code error;
-  std::filesystem::remove_all(m_path, error);
-}
-
-bool FileExists(const std::wstring& path) { return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
-
-std::vector<BYTE> ReadBytes(const std::wstring& path) {
-  std::vector<BYTE> bytes;
-  const corvane::unique_file file(::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                                FILE_ATTRIBUTE_NORMAL, nullptr));
-  if (!file) return bytes;
-  LARGE_INTEGER size{};
-  ::GetFileSizeEx(file.get(), &size);
-  bytes.resize(static_cast<size_t>(size.QuadPart));
-  DWORD read = 0;
-  if (!bytes.empty()) ::ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-  bytes.resize(read);
-  return bytes;
-}
-
-void WriteBytes(const std::wstring& path, const std::vector<BYTE>& bytes) {
-  const corvane::unique_file file(
-      ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-  ASSERT_TRUE(file) << ::GetLastError();
-  DWORD written = 0;
-  ASSERT_TRUE(::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
-  ASSERT_EQ(written, bytes.size());
-}
 
 void PrintTo(const Argb& pixel, std::ostream* os) {
   *os << "ARGB(" << int(pixel.a) << ", " << int(pixel.r) << ", " << int(pixel.g) << ", " << int(pixel.b) << ")";
@@ -120,35 +67,6 @@ std::optional<Picture> ReadPicture(const std::wstring& path) {
     }
   }
   return picture;
-}
-
-ThemeOverride::ThemeOverride(bool dark) {
-  DWORD type = 0, size = 0;
-  if (::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, kLightValue, RRF_RT_ANY, &type, nullptr, &size) == ERROR_SUCCESS) {
-    m_saved.emplace(size);
-    if (::RegGetValueW(HKEY_CURRENT_USER, kPersonalize, kLightValue, RRF_RT_ANY, &type, m_saved->data(), &size) ==
-        ERROR_SUCCESS) {
-      m_savedType = type;
-    } else {
-      m_saved.reset();
-    }
-  }
-  Set(dark);
-}
-
-ThemeOverride::~ThemeOverride() {
-  if (m_saved) {
-    ::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, kLightValue, m_savedType, m_saved->data(),
-                      static_cast<DWORD>(m_saved->size()));
-  } else {
-    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kPersonalize, kLightValue);
-  }
-}
-
-void ThemeOverride::Set(bool dark) {
-  const DWORD light = dark ? 0 : 1;
-  ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kPersonalize, kLightValue, REG_DWORD, &light, sizeof(light)),
-            ERROR_SUCCESS);
 }
 
 PublishedZoom::PublishedZoom(std::uint64_t windowNumber, const std::wstring& text)

@@ -10,29 +10,17 @@
 #include <string>
 #include <vector>
 
+#include "../client_registry/saved_value.h"
+#include "log_files.h"
 #include "platform/window.h"
 #include "platform/gdiplus_headers.h"
 
 namespace widgettest {
 
-// A new folder under the temporary folder (or under `parent`), removed with its content at the end.
-class TempFolder {
- public:
-  explicit TempFolder(const std::wstring& parent = {});
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  // Full path ending in a backslash.
-  const std::wstring& Path() const noexcept { return m_path; }
-  std::wstring operator/(const std::wstring& name) const { return m_path + name; }
-
- private:
-  std::wstring m_path;
-};
-
-bool FileExists(const std::wstring& path);
-std::vector<BYTE> ReadBytes(const std::wstring& path);
-void WriteBytes(const std::wstring& path, const std::vector<BYTE>& bytes);
+using logtest::FileExists;
+using logtest::ReadBytes;
+using logtest::TempFolder;
+using logtest::WriteBytes;
 
 // One pixel as stored in a picture, not premultiplied.
 struct Argb {
@@ -57,19 +45,7 @@ struct Picture {
 };
 std::optional<Picture> ReadPicture(const std::wstring& path);
 
-// Sets the app theme for the life of the object and puts the prefix's own setting back.
-class ThemeOverride {
- public:
-  explicit ThemeOverride(bool dark);
-  ~ThemeOverride();
-  ThemeOverride(const ThemeOverride&) = delete;
-  ThemeOverride& operator=(const ThemeOverride&) = delete;
-  void Set(bool dark);
-
- private:
-  std::optional<std::vector<BYTE>> m_saved;
-  DWORD m_savedType = REG_NONE;
-};
+using registrytest::ThemeOverride;
 
 // Publishes a zoom text for a window number under the client's dpiZoom key, removed at the end.
 class PublishedZoom {

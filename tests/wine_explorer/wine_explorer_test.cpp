@@ -11,10 +11,12 @@
 #include "../explorer_standin/scratch_folder.h"
 #include "client_state.h"
 #include "host_process.h"
+#include "log_files.h"
 #include "wine_explorer.h"
 
 namespace {
 
+using logtest::Utf8;
 using testsupport::ClientState;
 
 constexpr wchar_t kMyComputer[] = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}";
@@ -24,14 +26,6 @@ constexpr wchar_t kPromptClass[] = L"CorvaneMainWindow";
 constexpr int kLoginButton = 1001;
 constexpr int kSettingsButton = 1002;
 constexpr DWORD kWait = 15000;
-
-std::string Utf8(const std::wstring& text) {
-  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
-                                         nullptr);
-  std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
-  return out;
-}
 
 void Regsvr32(const std::wstring& switches) {
   wchar_t system[MAX_PATH] = {};
