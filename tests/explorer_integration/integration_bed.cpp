@@ -16,9 +16,7 @@ namespace integrationtest {
 namespace {
 
 constexpr wchar_t kClsid[] = L"{5B1E7C20-3F4A-4D2E-9C61-0A8D2E47B913}";
-constexpr wchar_t kHalvexKey[] = L"Software\\varnowe\\Halvex";
 constexpr wchar_t kHelperObjects[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\";
-constexpr wchar_t kUser[] = L"u0123456789";  // 11 characters: the shortest name the add-in takes
 
 bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
   corvane::unique_hkey handle;
@@ -199,10 +197,17 @@ int ExplorerIntegration::ExpectedBarHeight() {
   return height * 16 / 10;
 }
 
+std::vector<std::wstring> ExplorerIntegration::NewLogFiles() const {
+  std::vector<std::wstring> made;
+  for (std::wstring& path : LogFiles()) {
+    if (std::find(m_logsBefore.begin(), m_logsBefore.end(), path) == m_logsBefore.end()) made.push_back(std::move(path));
+  }
+  return made;
+}
+
 std::vector<std::wstring> ExplorerIntegration::LogLines() const {
   std::vector<std::wstring> lines;
-  for (const std::wstring& path : LogFiles()) {
-    if (std::find(m_logsBefore.begin(), m_logsBefore.end(), path) != m_logsBefore.end()) continue;
+  for (const std::wstring& path : NewLogFiles()) {
     const std::wstring text = ReadUtf16(path);
     size_t start = 0;
     while (start < text.size()) {

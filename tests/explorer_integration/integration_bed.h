@@ -20,6 +20,10 @@ namespace integrationtest {
 
 inline constexpr UINT kBrowseObject = WM_USER + 218;
 inline constexpr wchar_t kBarClass[] = L"CorvaneTitleWindow";
+// The client's state key under HKCU and the signed-in user Publish names (11 characters: the
+// shortest name the add-in takes).
+inline constexpr wchar_t kHalvexKey[] = L"Software\\varnowe\\Halvex";
+inline constexpr wchar_t kUser[] = L"u0123456789";
 
 // Where the bar is, seen from outside the stand-in.
 struct BarState {
@@ -48,7 +52,8 @@ class ExplorerIntegration : public ::testing::Test {
   // The bar's height: the re-measured caption picture's height times 1.6, truncated.
   static int ExpectedBarHeight();
 
-  // The lines of the add-in's log files written since the test began.
+  // The add-in's log files made since the test began, and their lines.
+  std::vector<std::wstring> NewLogFiles() const;
   std::vector<std::wstring> LogLines() const;
   size_t CountLog(const std::wstring& text) const;
 

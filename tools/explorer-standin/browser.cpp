@@ -4,6 +4,7 @@
 #include <olectl.h>
 #include <shlguid.h>
 
+#include <atomic>
 #include <utility>
 
 #include "folder_location.h"
@@ -22,6 +23,8 @@ const VARIANT* Dereference(const VARIANT* value) {
   while (value != nullptr && value->vt == (VT_BYREF | VT_VARIANT)) value = value->pvarVal;
   return value;
 }
+
+std::atomic<DWORD> g_offThreadViewDelay{0};
 
 }  // namespace
 
@@ -146,9 +149,14 @@ HRESULT CBrowser::GetControlWindow(UINT id, HWND* window) {
   return S_OK;
 }
 
+void CBrowser::SetOffThreadViewDelay(DWORD milliseconds) noexcept { g_offThreadViewDelay = milliseconds; }
+
 HRESULT CBrowser::QueryActiveShellView(IShellView** view) {
   if (view == nullptr) return E_POINTER;
   *view = nullptr;
+  // Waited out before the lock is taken, so the window thread itself is never held up by it.
+  const DWORD delay = g_offThreadViewDelay.load();
+  if (delay != 0 && ::GetWindowThreadProcessId(m_frame, nullptr) != ::GetCurrentThreadId()) ::Sleep(delay);
   const ComPtr<CShellView> current = View();
   // Before the first navigation has completed there is no view, as in Explorer.
   if (!current) return E_FAIL;

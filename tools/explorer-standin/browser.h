@@ -44,6 +44,9 @@ class CBrowser final
   void FireOnQuit();
   // The window has closed: no view, no navigation, and sinks that were never unadvised are let go.
   void Shutdown() noexcept;
+  // For every window of the process: QueryActiveShellView called from another thread than the
+  // window's waits this long first, as Explorer's does when the window thread is busy. 0 at start.
+  static void SetOffThreadViewDelay(DWORD milliseconds) noexcept;
 
   // IUnknown, for the interfaces of both bases.
   IFACEMETHODIMP QueryInterface(REFIID riid, void** ppv) override;

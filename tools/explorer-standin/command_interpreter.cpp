@@ -7,6 +7,7 @@
 #include <sstream>
 #include <utility>
 
+#include "browser.h"
 #include "connection_point.h"
 #include "folder_location.h"
 #include "headroom.h"
@@ -144,6 +145,12 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
     if (canUnloadNow == nullptr) return Error(L"no DllCanUnloadNow");
     return Ok(HexResult(canUnloadNow()));
   }
+  if (command == L"viewdelay") {
+    const auto ms = Number(Trim(rest));
+    if (!ms || *ms < 0 || *ms > 10000) return Error(L"usage: viewdelay <ms>");
+    CBrowser::SetOffThreadViewDelay(static_cast<DWORD>(*ms));
+    return Ok();
+  }
   if (command == L"connections") {
     const ConnectionTally tally = CountedConnections();
     return Ok(std::to_wstring(tally.advised) + L" " + std::to_wstring(tally.unadvised) + L" " + std::to_wstring(tally.refused));
@@ -215,6 +222,13 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
   }
   if (command == L"sync") {
     return onWindow([](ExplorerWindow&) { return std::wstring(L"ok"); });
+  }
+  if (command == L"freeunused") {
+    // COM frees only what the calling apartment loaded, so it runs in the window's own apartment.
+    return onWindow([](ExplorerWindow&) {
+      ::CoFreeUnusedLibrariesEx(0, 0);
+      return std::wstring(L"ok");
+    });
   }
   if (command == L"move" || command == L"size") {
     const auto first = Number(NextWord(rest));

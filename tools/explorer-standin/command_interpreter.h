@@ -19,6 +19,8 @@
 //   windows                            → ok <id> ...
 //   sleep <ms>                         → ok
 //   canunload <dll name>               → ok <hresult>  DllCanUnloadNow of a loaded DLL, "ok unloaded" if none
+//   freeunused <id>                    → ok            CoFreeUnusedLibrariesEx(0, 0) on the window's thread
+//   viewdelay <ms>                     → ok            QueryActiveShellView off the window thread waits first
 //   quit                               → ok            closes every window, then the process ends
 //
 // For post and send, lparam may be "pidl:<location>": a fresh absolute PIDL made in the stand-in.
