@@ -72,7 +72,9 @@ void CTitleWindow::Uninitialize() {
 
 bool CTitleWindow::CreateBarWnd(HWND parent) {
   LOG_INFO(L"CTitleWindow::CreateBarWnd", L"CTitleWindow::CreateBarWnd() invoked");
-  return Create(parent, nullptr, nullptr, kBarStyle, WS_EX_COMPOSITED, 0) != nullptr;
+  if (Create(parent, nullptr, nullptr, kBarStyle, WS_EX_COMPOSITED, 0) == nullptr) return false;
+  m_bLive = true;
+  return true;
 }
 
 void CTitleWindow::DestroyBarWnd() {
@@ -184,6 +186,7 @@ LRESULT CTitleWindow::OnCreate(UINT, WPARAM, LPARAM, bool&) {
 
 LRESULT CTitleWindow::OnDestroy(UINT, WPARAM, LPARAM, bool& handled) {
   LOG_INFO(L"CTitleWindow::OnDestroy", L"CTitleWindow::OnDestroy() invoked");
+  m_bLive = false;
   ::KillTimer(m_hWnd, TIMER_CLOUD_UPDATE_INFO);
   handled = false;
   return 0;

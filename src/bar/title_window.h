@@ -2,6 +2,7 @@
 // The bar placed above the file list of an Explorer window that shows the client's sync folder:
 // the account logo, the capacity display, the advertising entry and, flush right, the right button
 // group. Once a second it re-reads the client's published state and updates what changed.
+#include <atomic>
 #include <windows.h>
 #include <unknwn.h>
 #include <wrl/client.h>
@@ -53,6 +54,9 @@ class CTitleWindow final : public corvane::Window<CTitleWindow> {
   const RECT& GetCapacityRect() const noexcept { return m_rcCapacity; }
   const RECT& GetAdvertisingRect() const noexcept { return m_rcAdvertising; }
   bool IsCreated() const noexcept { return m_bCreated; }
+  // Whether the bar window exists, for other threads: the window thread sets it once the window is
+  // made and clears it as the window goes, so the timer thread never reads m_hWnd while it changes.
+  bool IsLive() const noexcept { return m_bLive; }
   bool IsLogoHovered() const noexcept { return m_bLogoHovered; }
   bool IsLogoSubclassed() const noexcept { return m_bLogoSubclassed; }
   double GetDpiZoom() const noexcept { return m_dDpiZoom; }
@@ -83,6 +87,7 @@ class CTitleWindow final : public corvane::Window<CTitleWindow> {
 
   CRightWindow m_rightWindow;
   bool m_bCreated = false;
+  std::atomic<bool> m_bLive{false};
   CPngToolButton m_btnLogo;
   CDiskCapacityWnd m_capacity;
   CPngToolButton m_btnAdvertising;

@@ -97,7 +97,9 @@ void CExplorerWindow::OnDuiViewPosChanging(const RECT& rc) {
 
 // The timer thread's check. It touches no window: changes reach the window thread as posts.
 void CExplorerWindow::CheckFolder() {
-  if (m_titleWindow.m_hWnd == nullptr) return;
+  // The window thread may be destroying the bar right now (a closing window stops this thread only
+  // after the bar has gone), so the bar's existence is read through its atomic flag.
+  if (!m_titleWindow.IsLive()) return;
   std::wstring syncPath;
   // Only the path decides; the reader's own result is not consulted.
   static_cast<void>(regUtil::checkReadyLoginAndOpenSync(syncPath));
