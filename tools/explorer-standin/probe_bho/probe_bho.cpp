@@ -5,11 +5,8 @@
 #include <shlguid.h>
 #include <shlobj.h>
 
-#include <optional>
 #include <vector>
 
-#include "folder_check.h"
-#include "on_worker.h"
 #include "platform/automation.h"
 #include "platform/errors.h"
 #include "probe_protocol.h"
@@ -22,7 +19,6 @@ using Microsoft::WRL::ComPtr;
 namespace {
 
 constexpr UINT_PTR kSubclassId = 0x50524F42;
-constexpr DWORD kWorkerTimeoutMs = 5000;
 
 HWND FindDescendant(HWND parent, const wchar_t* className) {
   struct Search {
@@ -57,20 +53,6 @@ std::wstring Apartment() {
 }
 
 std::wstring Flag(bool value) { return value ? L"1" : L"0"; }
-
-// One folder report; the path goes last, as the one field that may hold blanks.
-void RecordFolder(const wchar_t* where, const std::optional<FolderReport>& report, std::vector<Field> more = {}) {
-  std::vector<Field> fields{{L"where", where}, {L"done", Flag(report.has_value())}};
-  if (report) {
-    fields.insert(fields.end(), {{L"hr", Hex(report->hr)},
-                                 {L"pidl", Flag(report->havePidl)},
-                                 {L"fs", Flag(report->havePath)},
-                                 {L"view", Decimal(report->viewWindow)}});
-  }
-  fields.insert(fields.end(), more.begin(), more.end());
-  if (report) fields.emplace_back(L"path", report->path);
-  Record(L"folder", fields);
-}
 
 }  // namespace
 
@@ -193,80 +175,13 @@ void CProbeBho::OnEvent(DISPID id, IDispatch* source, const std::wstring& url) {
   Record(L"navigated", {{L"name", m_name},
                         {L"samebrowser", Flag(sourceIdentity && sourceIdentity == webIdentity)},
                         {L"url", url}});
-  RecordFolder(L"ui", CheckFolder(m_shell.Get()));
-  RecordFolder(L"worker", CheckFolderOnWorker(m_shell.Get(), kWorkerTimeoutMs));
-  bool same = false;
-  const std::optional<FolderReport> marshalled = CheckFolderMarshalled(m_shell.Get(), kWorkerTimeoutMs, same);
-  RecordFolder(L"marshalled", marshalled, {{L"same", Flag(same)}});
 }
 
-LRESULT CProbeBho::OnFrameMessage(UINT message, WPARAM wParam, LPARAM lParam, bool& handled) {
-  handled = true;
-  auto* pidl = reinterpret_cast<PIDLIST_ABSOLUTE>(lParam);
-  if (message == kNavigatePidlMessage) {
-    wchar_t path[MAX_PATH] = {};
-    if (pidl == nullptr || !m_web || !::SHGetPathFromIDListW(pidl, path)) {
-      Record(L"navigate2", {{L"name", m_name}, {L"called", L"0"}});
-      return 0;
-    }
-    std::wstring target = path;
-    if (wParam == 2) target += L"\\no such folder";
-    const corvane::unique_bstr text(::SysAllocString(target.c_str()));
-    VARIANT url;
-    ::VariantInit(&url);
-    if (wParam == 1) {
-      url.vt = VT_I4;
-      url.lVal = 42;
-    } else {
-      url.vt = VT_BSTR;
-      url.bstrVal = text.get();
-    }
-    VARIANT empty[4];
-    for (VARIANT& value : empty) ::VariantInit(&value);
-    const HRESULT hr = m_web->Navigate2(&url, &empty[0], &empty[1], &empty[2], &empty[3]);
-    Record(L"navigate2", {{L"name", m_name}, {L"called", L"1"}, {L"hr", Hex(hr)}, {L"path", target}});
-    if (FAILED(hr)) return 0;
-    ::ILFree(pidl);
-    return 1;
-  }
-  if (message == kBrowseObjectMessage || message == kBrowseFromWorkerMessage) {
-    if (!m_shell) return 0;
-    const UINT flags = static_cast<UINT>(wParam);
-    HRESULT hr = E_FAIL;
-    bool finished = true;
-    if (message == kBrowseObjectMessage) {
-      hr = m_shell->BrowseObject(pidl, flags);
-    } else {
-      // Waits without pumping messages: a BrowseObject that needed this thread would never return.
-      ComPtr<IShellBrowser> shell = m_shell;
-      const std::optional<HRESULT> answer = OnWorker(kWorkerTimeoutMs, [shell, pidl, flags] { return shell->BrowseObject(pidl, flags); });
-      finished = answer.has_value();
-      hr = answer.value_or(E_FAIL);
-    }
-    Record(L"browseobject", {{L"name", m_name},
-                             {L"worker", Flag(message == kBrowseFromWorkerMessage)},
-                             {L"finished", Flag(finished)},
-                             {L"flags", std::to_wstring(flags)},
-                             {L"hr", Hex(hr)}});
-    if (!finished || FAILED(hr)) return 0;
-    if (pidl != nullptr) ::ILFree(pidl);  // the sender handed it over once we answer non-zero
-    return 1;
-  }
-  handled = false;
-  return 0;
-}
-
+// Subclassed only to show the frame can be, from SetSite on the window thread; it changes nothing.
 LRESULT CALLBACK CProbeBho::FrameProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR self) noexcept {
-  try {
-    if (message == WM_NCDESTROY) {
-      ::RemoveWindowSubclass(window, &CProbeBho::FrameProc, kSubclassId);
-      reinterpret_cast<CProbeBho*>(self)->m_subclassed = false;
-    } else {
-      bool handled = false;
-      const LRESULT result = reinterpret_cast<CProbeBho*>(self)->OnFrameMessage(message, wParam, lParam, handled);
-      if (handled) return result;
-    }
-  } catch (...) {
+  if (message == WM_NCDESTROY) {
+    ::RemoveWindowSubclass(window, &CProbeBho::FrameProc, kSubclassId);
+    reinterpret_cast<CProbeBho*>(self)->m_subclassed = false;
   }
   return ::DefSubclassProc(window, message, wParam, lParam);
 }

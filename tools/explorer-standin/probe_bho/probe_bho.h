@@ -2,8 +2,8 @@
 // The probe helper object: what an add-in sees of the stand-in, written down. When sited it asks
 // the site for the web browser and the shell browser, notes the window tree as it stands, installs
 // a WH_CBT hook on its thread that records every window created there, advises DWebBrowserEvents2
-// and subclasses the frame; at each NavigateComplete2 it reads the folder shown on this thread and
-// on worker threads; at OnQuit it unadvises; at SetSite(NULL) it undoes the rest.
+// and subclasses the frame; at each NavigateComplete2 it records the event's arguments;
+// at OnQuit it unadvises; at SetSite(NULL) it undoes the rest.
 #include <windows.h>
 #include <exdisp.h>
 #include <ocidl.h>
@@ -34,7 +34,6 @@ class CProbeBho final : public corvane::ComObject<CProbeBho, IObjectWithSite> {
   void Attach();
   void Detach();
   void Unadvise(const wchar_t* when);
-  LRESULT OnFrameMessage(UINT message, WPARAM wParam, LPARAM lParam, bool& handled);
   static LRESULT CALLBACK FrameProc(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR self) noexcept;
   static LRESULT CALLBACK HookProc(int code, WPARAM wParam, LPARAM lParam) noexcept;
 

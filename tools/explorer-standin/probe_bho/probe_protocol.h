@@ -21,13 +21,4 @@ inline constexpr CLSID kClsidSpare = {0xd18f458e, 0x900d, 0x431c, {0xb3, 0x08, 0
 // The record file's path, read from the environment the stand-in inherits from the test.
 inline constexpr wchar_t kRecordVariable[] = L"CORVANE_PROBE_RECORD";
 
-// lParam: an absolute PIDL. Like the add-in: Navigate2 with its path, freed on success (answer 1).
-// wParam 1 passes Navigate2 a number instead of a string; wParam 2 a path below it that does not exist.
-inline constexpr UINT kNavigatePidlMessage = WM_USER + 218;
-// wParam: SBSP_ flags, lParam: a PIDL or 0. IShellBrowser::BrowseObject on the window thread; the
-// PIDL stays the sender's. Answers 1 when BrowseObject succeeded.
-inline constexpr UINT kBrowseObjectMessage = WM_USER + 300;
-// The same, with BrowseObject called from a worker thread while the window thread waits for it.
-inline constexpr UINT kBrowseFromWorkerMessage = WM_USER + 301;
-
 }  // namespace probe
