@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "core/paths.h"
 #include "host_process.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
@@ -27,18 +28,18 @@ bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const 
                           static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
 }
 
-void Regsvr32(const std::wstring& switches) {
+void Regsvr32(const std::wstring& dll, const std::wstring& switches) {
   wchar_t system[MAX_PATH] = {};
   ::GetSystemDirectoryW(system, MAX_PATH);
-  const moduletest::HostRun run =
-      moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", corvane::ThisModuleFolder() + L"Corvane.dll", switches);
+  const moduletest::HostRun run = moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", dll, switches);
   EXPECT_TRUE(run.finished);
 }
 
-std::vector<std::wstring> LogFiles() {
+std::vector<std::wstring> LogFiles(const std::wstring& dllFolder) {
   std::vector<std::wstring> names;
   std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(corvane::ClientFolder() + L"log\\Corvane", error)) {
+  const std::wstring folder = corvane::core::ParentFolder(dllFolder) + L"log\\Corvane";
+  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
     names.push_back(entry.path().wstring());
   }
   return names;
@@ -87,7 +88,8 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
 
 void ExplorerIntegration::SetUp() {
   DeleteClientState();
-  m_logsBefore = LogFiles();
+  if (m_dllFolder.empty()) m_dllFolder = corvane::ThisModuleFolder();
+  m_logsBefore = LogFiles(m_dllFolder);
   // The client and DPI tool stand-ins inherit their record files from the stand-in Explorer; the
   // client stays alive a while, as the real one does, so a running client is seen as running.
   m_clients = std::make_unique<launchertest::StandinSession>();
@@ -102,7 +104,7 @@ void ExplorerIntegration::SetUp() {
 
   // The helper object is registered as an installer registers it: Wine's regsvr32 on the built DLL
   // (machine-wide, since Explorer finds helper objects there only).
-  Regsvr32(L"/s");
+  Regsvr32(m_dllFolder + L"Corvane.dll", L"/s");
   m_registered = true;
   corvane::unique_hkey helper;
   ASSERT_EQ(::RegOpenKeyExW(HKEY_LOCAL_MACHINE, (std::wstring(kHelperObjects) + kClsid).c_str(), 0, KEY_READ, helper.put()),
@@ -126,7 +128,7 @@ void ExplorerIntegration::TearDown() {
                                                  << testing::PrintToString(m_explorer->LogText());
     m_explorer.reset();
   }
-  if (m_registered) Regsvr32(L"/s /u");
+  if (m_registered) Regsvr32(m_dllFolder + L"Corvane.dll", L"/s /u");
   m_registered = false;
   DeleteClientState();
   m_clients.reset();
@@ -180,13 +182,13 @@ BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
   return state;
 }
 
-int ExplorerIntegration::ExpectedBarHeight() {
+int ExplorerIntegration::ExpectedBarHeight() const {
   // The PNG header holds the height big-endian at bytes 20..23. A bar re-measuring at this moment
   // rewrites the file, so a read that finds it empty is tried again.
   int height = 0;
   WaitUntil(
       [&] {
-        std::ifstream file(std::filesystem::path(corvane::ThisModuleFolder() + L"CorvaneSkin\\detection.png"),
+        std::ifstream file(std::filesystem::path(m_dllFolder + L"CorvaneSkin\\detection.png"),
                            std::ios::binary);
         unsigned char header[24] = {};
         file.read(reinterpret_cast<char*>(header), sizeof header);
@@ -199,7 +201,7 @@ int ExplorerIntegration::ExpectedBarHeight() {
 
 std::vector<std::wstring> ExplorerIntegration::NewLogFiles() const {
   std::vector<std::wstring> made;
-  for (std::wstring& path : LogFiles()) {
+  for (std::wstring& path : LogFiles(m_dllFolder)) {
     if (std::find(m_logsBefore.begin(), m_logsBefore.end(), path) == m_logsBefore.end()) made.push_back(std::move(path));
   }
   return made;

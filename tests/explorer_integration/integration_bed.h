@@ -50,7 +50,7 @@ class ExplorerIntegration : public ::testing::Test {
   // Polls until the bar's visibility is `shown` (and, shown, laid out) or timeoutMs passes.
   BarState WaitForBar(int id, bool shown, DWORD timeoutMs = 2000);
   // The bar's height: the re-measured caption picture's height times 1.6, truncated.
-  static int ExpectedBarHeight();
+  int ExpectedBarHeight() const;
 
   // The add-in's log files made since the test began, and their lines.
   std::vector<std::wstring> NewLogFiles() const;
@@ -61,6 +61,9 @@ class ExplorerIntegration : public ::testing::Test {
   // A fresh stand-in Explorer, which takes up the environment as it is now.
   void RestartExplorer();
 
+  // The folder of the Corvane.dll that is registered; the test bed's own unless a fixture sets
+  // another (with its CorvaneSkin, and its client folder above it) before SetUp.
+  std::wstring m_dllFolder;
   std::unique_ptr<launchertest::StandinSession> m_clients;
   std::unique_ptr<standintest::ScratchFolder> m_scratch;
   std::unique_ptr<standintest::StandinSession> m_explorer;
