@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
+#include "client_state.h"
 #include "core/paths.h"
 #include "host_process.h"
 #include "platform/handles.h"
@@ -87,7 +89,7 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
 }
 
 void ExplorerIntegration::SetUp() {
-  DeleteClientState();
+  testsupport::ClearClientState();
   if (m_dllFolder.empty()) m_dllFolder = corvane::ThisModuleFolder();
   m_logsBefore = LogFiles(m_dllFolder);
   // The client and DPI tool stand-ins inherit their record files from the stand-in Explorer; the
@@ -130,20 +132,26 @@ void ExplorerIntegration::TearDown() {
   }
   if (m_registered) Regsvr32(m_dllFolder + L"Corvane.dll", L"/s /u");
   m_registered = false;
-  DeleteClientState();
+  testsupport::ClearClientState();
   m_clients.reset();
   m_scratch.reset();
 }
 
 void ExplorerIntegration::Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath) {
-  const std::wstring userKey = std::wstring(kHalvexKey) + L"\\" + kUser;
-  ASSERT_TRUE(WriteString(HKEY_CURRENT_USER, kHalvexKey, L"currentUser", kUser) &&
-              WriteString(HKEY_CURRENT_USER, userKey, L"bLogin", login) &&
-              WriteString(HKEY_CURRENT_USER, userKey, L"bOpenSync", openSync) &&
-              WriteString(HKEY_CURRENT_USER, userKey, L"syncPath", syncPath));
+  ASSERT_TRUE(WriteString(HKEY_CURRENT_USER, kClientKey, L"currentUser", kTestUser) &&
+              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"bLogin", login) &&
+              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"bOpenSync", openSync) &&
+              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"syncPath", syncPath));
 }
 
-void ExplorerIntegration::DeleteClientState() { ::RegDeleteTreeW(HKEY_CURRENT_USER, kHalvexKey); }
+Headroom ExplorerIntegration::Footprint() const {
+  std::wistringstream reply(m_explorer->Command(L"footprint"));
+  std::wstring ok;
+  Headroom room;
+  reply >> ok >> room.gdi >> room.user;
+  EXPECT_EQ(ok, L"ok");
+  return room;
+}
 
 std::wstring ExplorerIntegration::ShellPath(const std::wstring& path) {
   corvane::unique_pidl pidl;

@@ -15,15 +15,20 @@
 #include "../client_launcher/standin_session.h"
 #include "../explorer_standin/scratch_folder.h"
 #include "../explorer_standin/standin_session.h"
+#include "client_keys.h"
 
 namespace integrationtest {
 
 inline constexpr UINT kBrowseObject = WM_USER + 218;
 inline constexpr wchar_t kBarClass[] = L"CorvaneTitleWindow";
-// The client's state key under HKCU and the signed-in user Publish names (11 characters: the
-// shortest name the add-in takes).
-inline constexpr wchar_t kHalvexKey[] = L"Software\\varnowe\\Halvex";
-inline constexpr wchar_t kUser[] = L"u0123456789";
+using testsupport::kClientKey;
+using testsupport::kTestUser;
+using testsupport::kTestUserKey;
+
+// The stand-in's GDI and USER headroom: what the process can still create.
+struct Headroom {
+  long gdi = 0, user = 0;
+};
 
 // Where the bar is, seen from outside the stand-in.
 struct BarState {
@@ -40,8 +45,12 @@ class ExplorerIntegration : public ::testing::Test {
   void TearDown() override;
 
   // The client's state: signed in with sync on, or the given values; syncPath as the client writes it.
+  // Written over in place, where testsupport::PublishClientState clears the key first: the windows
+  // read these values every second while a test changes them, and must never meet them missing.
   static void Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath);
-  static void DeleteClientState();
+
+  // The GDI and USER objects the stand-in can still create.
+  Headroom Footprint() const;
 
   // A folder's path as the shell spells it (what the add-in reads back from a PIDL).
   static std::wstring ShellPath(const std::wstring& path);

@@ -4,14 +4,14 @@
 // to it stays under a second, and windows opened and closed under the fault cost no GDI or USER
 // object.
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
-#include <sstream>
 
 #include "core/paths.h"
 #include "integration_bed.h"
+#include "log_files.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
 
@@ -27,7 +27,7 @@ constexpr ULONGLONG kOpenMs = 5000;
 // Headroom the stand-in may lose across a soak without a leak: other threads of the process (COM,
 // the channel) may hold an object or two at the moment of measuring. Every soak opens more windows
 // than this, so a leak of one object per window still shows.
-constexpr long long kSlack = 3;
+constexpr long kSlack = 3;
 
 struct FindChild {
   int id;
@@ -48,14 +48,9 @@ HWND Descendant(HWND parent, int id) {
   return find.found;
 }
 
-std::string ReadBytes(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-}
+using Bytes = std::vector<std::uint8_t>;
 
-void WriteBytes(const fs::path& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
 // Wine takes a program's DLL overrides from the WINEDLLOVERRIDES it was started with, which a Windows
 // parent cannot change for its child (Wine's own variables pass from Unix parent to child), or from
@@ -126,15 +121,6 @@ class EnvironmentFault : public ExplorerIntegration {
     return state.barInView.bottom - state.barInView.top;
   }
 
-  std::pair<long long, long long> Headroom() {
-    std::wistringstream reply(m_explorer->Command(L"footprint"));
-    std::wstring ok;
-    long long gdi = -1, user = -1;
-    reply >> ok >> gdi >> user;
-    EXPECT_EQ(ok, L"ok");
-    return {gdi, user};
-  }
-
   // A window opened on the sync folder, its bar shown and laid out, navigated away and back, and
   // closed: once to warm up, then `cycles` times. Every round trip stays under a second, and the
   // GDI and USER headroom of the stand-in is where it was after the warm-up.
@@ -156,15 +142,15 @@ class EnvironmentFault : public ExplorerIntegration {
       EXPECT_EQ(Timed(L"close " + id), L"ok");
     };
     cycle();
-    const auto before = Headroom();
+    const Headroom before = Footprint();
     for (int i = 0; i < cycles && !HasFatalFailure(); ++i) cycle();
-    const auto after = Headroom();
-    EXPECT_LE(before.first - after.first, kSlack) << "GDI objects lost over " << cycles << " windows";
-    EXPECT_LE(before.second - after.second, kSlack) << "USER objects lost over " << cycles << " windows";
+    const Headroom after = Footprint();
+    EXPECT_LE(before.gdi - after.gdi, kSlack) << "GDI objects lost over " << cycles << " windows";
+    EXPECT_LE(before.user - after.user, kSlack) << "USER objects lost over " << cycles << " windows";
     EXPECT_EQ(Timed(L"windows"), L"ok") << "the stand-in no longer answers";
     std::cout << "[ cycles   ] " << cycles << " windows: slowest open " << m_slowestOpen << " ms, other round trip "
-              << m_slowest << " ms; headroom GDI " << before.first << " -> " << after.first << ", USER "
-              << before.second << " -> " << after.second << std::endl;
+              << m_slowest << " ms; headroom GDI " << before.gdi << " -> " << after.gdi << ", USER "
+              << before.user << " -> " << after.user << std::endl;
   }
 
   standintest::ScratchFolder m_install;
@@ -228,9 +214,10 @@ TEST_F(EnvironmentFault, AFileWhereTheLogFolderBelongsLeavesTheAddInWorking) {
   // Registration already made the folder and logged into it; the stand-in has not loaded the DLL yet.
   const fs::path logs = corvane::core::ParentFolder(m_dllFolder) + L"log";
   std::error_code error;
-  fs::remove_all(logs / L"Corvane", error);
-  WriteBytes(logs / L"Corvane", "in the way");
-  ASSERT_TRUE(fs::is_regular_file(logs / L"Corvane"));
+  const std::wstring blocker = (logs / L"Corvane").wstring();
+  fs::remove_all(blocker, error);
+  logtest::WriteBytes(blocker, BytesOf("in the way"));
+  ASSERT_TRUE(fs::is_regular_file(blocker));
 
   const int id = m_explorer->Open(m_sync);
   ASSERT_NE(id, 0);
@@ -242,14 +229,14 @@ TEST_F(EnvironmentFault, AFileWhereTheLogFolderBelongsLeavesTheAddInWorking) {
   EXPECT_EQ(Timed(L"close " + std::to_wstring(id)), L"ok");
   ExpectCyclesHealthy(10);
 
-  EXPECT_EQ(ReadBytes(logs / L"Corvane"), "in the way");
+  EXPECT_EQ(logtest::ReadBytes(blocker), BytesOf("in the way"));
   EXPECT_EQ(std::distance(fs::directory_iterator(logs), fs::directory_iterator()), 1) << "written beside the log folder";
 }
 
 TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
-  std::vector<std::pair<fs::path, std::string>> pictures;
+  std::vector<std::pair<std::wstring, Bytes>> pictures;
   for (const auto& entry : fs::directory_iterator(fs::path(Skin()))) {
-    if (entry.path().extension() == L".png") pictures.emplace_back(entry.path(), ReadBytes(entry.path()));
+    if (entry.path().extension() == L".png") pictures.emplace_back(entry.path().wstring(), logtest::ReadBytes(entry.path().wstring()));
   }
   ASSERT_GT(pictures.size(), 20u);
   const auto opened = [&](const char* what) {
@@ -261,9 +248,9 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
   {
     // Nothing in the folder can be written: the caption picture that sets the bar's height cannot
     // be rendered, so the bar keeps the height of the one on disk, here a taller picture's.
-    const fs::path detection = fs::path(Skin()) / L"detection.png";
+    const std::wstring detection = Skin() + L"detection.png";
     ASSERT_TRUE(::CopyFileW((Skin() + L"logo1.png").c_str(), detection.c_str(), FALSE));
-    const std::string before = ReadBytes(detection);
+    const Bytes before = logtest::ReadBytes(detection);
     std::vector<corvane::unique_file> held;
     for (const auto& picture : pictures) {
       held.emplace_back(::CreateFileW(picture.first.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
@@ -273,7 +260,7 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
                                                    nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_FALSE(probe) << "the pictures can still be written";
     opened("unwritable");
-    EXPECT_EQ(ReadBytes(detection), before);
+    EXPECT_EQ(logtest::ReadBytes(detection), before);
     EXPECT_EQ(ExpectedBarHeight(), 28 * 16 / 10);
   }
   {
@@ -284,9 +271,11 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
     // Every other picture cut in half, the rest noise behind a PNG signature.
     size_t i = 0;
     for (const auto& picture : pictures) {
-      const std::string& bytes = picture.second;
-      WriteBytes(picture.first, i++ % 2 == 0 ? bytes.substr(0, bytes.size() / 2)
-                                             : bytes.substr(0, 8) + std::string(bytes.size(), '\x5A'));
+      const Bytes& bytes = picture.second;
+      const bool cut = i++ % 2 == 0;
+      Bytes broken(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut ? bytes.size() / 2 : 8));
+      if (!cut) broken.resize(8 + bytes.size(), 0x5A);
+      logtest::WriteBytes(picture.first, broken);
     }
     opened("broken pictures");
   }

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <map>
 #include <set>
-#include <sstream>
 #include <thread>
 
 #include "integration_bed.h"
@@ -23,10 +22,6 @@ constexpr ULONGLONG kHangMs = 1000;
 constexpr long kSlack = 16;
 
 std::wstring Id(int id) { return std::to_wstring(id); }
-
-struct Headroom {
-  long gdi = 0, user = 0;
-};
 
 // Values under one key, written in order; an empty text deletes the value.
 using Values = std::vector<std::pair<const wchar_t*, std::wstring>>;
@@ -48,8 +43,6 @@ void Write(HKEY key, const Values& values) noexcept {
   }
 }
 
-std::wstring UserKey() { return std::wstring(kHalvexKey) + L"\\" + kUser; }
-
 class LoadFaults : public ExplorerIntegration {
  protected:
   // One command, its round trip counted towards the slowest.
@@ -69,15 +62,6 @@ class LoadFaults : public ExplorerIntegration {
     EXPECT_LT(m_slowest, kHangMs) << "slowest of " << m_commands << " commands: "
                                   << testing::PrintToString(m_slowestCommand);
     std::printf("%d commands, slowest %llu ms\n", m_commands, m_slowest);
-  }
-
-  Headroom Room() {
-    std::wistringstream reply(m_explorer->Command(L"footprint"));
-    std::wstring ok;
-    Headroom room;
-    reply >> ok >> room.gdi >> room.user;
-    EXPECT_EQ(ok, L"ok");
-    return room;
   }
 
   static void ExpectFlat(const Headroom& before, const Headroom& after) {
@@ -101,7 +85,7 @@ class LoadFaults : public ExplorerIntegration {
 
 TEST_F(LoadFaults, ClientStateFlippingEveryMillisecondForAMinute) {
   const Values settled = Account();
-  Write(CreateKey(UserKey()).get(), settled);
+  Write(CreateKey(kTestUserKey).get(), settled);
   const int ids[] = {m_explorer->Open(m_sync), m_explorer->Open(m_inside), m_explorer->Open(m_other),
                      m_explorer->Open(m_sibling)};
   for (const int id : ids) ASSERT_NE(id, 0);
@@ -113,7 +97,7 @@ TEST_F(LoadFaults, ClientStateFlippingEveryMillisecondForAMinute) {
   };
   expectSettled(true);
   ::Sleep(2500);  // the bars' once-a-second reads take up the account
-  const Headroom before = Room();
+  const Headroom before = Footprint();
 
   // Signed in and out, sync on and off, the sync folder here, elsewhere, spelled with slashes or
   // missing, quotas valid, negative and unreadable, promotions and pictures coming and going, and
@@ -124,7 +108,7 @@ TEST_F(LoadFaults, ClientStateFlippingEveryMillisecondForAMinute) {
   struct Flip {
     Values root, user;
   };
-  const Values signedUp = {{L"currentUser", kUser}};
+  const Values signedUp = {{L"currentUser", kTestUser}};
   const std::vector<Flip> flips = {
       {signedUp, settled},
       {signedUp,
@@ -137,8 +121,8 @@ TEST_F(LoadFaults, ClientStateFlippingEveryMillisecondForAMinute) {
        {{L"bOpenSync", L"1"}, {L"syncPath", L""}, {L"usedSpace", L""}, {L"userLogoPath", skin + L"none.png"}}},
       {signedUp, {{L"syncPath", slashed + L"/"}, {L"totalSpace", L"99999999999999"}, {L"usedSpace", L"99999999999999"}}},
   };
-  const corvane::unique_hkey root = CreateKey(kHalvexKey);
-  const corvane::unique_hkey user = CreateKey(UserKey());
+  const corvane::unique_hkey root = CreateKey(kClientKey);
+  const corvane::unique_hkey user = CreateKey(kTestUserKey);
   long written = 0;
   {
     // Nothing in the writer allocates or throws: the table and the keys are made beforehand.
@@ -168,7 +152,7 @@ TEST_F(LoadFaults, ClientStateFlippingEveryMillisecondForAMinute) {
   EXPECT_EQ(Timed(L"navigate " + Id(ids[3]) + L" " + m_sibling), L"ok");
   expectSettled(true);
   ::Sleep(2500);
-  ExpectFlat(before, Room());
+  ExpectFlat(before, Footprint());
   Write(user.get(), {{L"bLogin", L"0"}});
   expectSettled(false);
   ExpectNoHang();
@@ -187,7 +171,7 @@ TEST_F(LoadFaults, WindowsClosedWhileTheirFolderCheckRunsLeaveNothingBehind) {
   Headroom before;
   // Round 0 warms up what the add-in and Wine keep for the process (logger, GDI+, font caches).
   for (int round = 0; round <= kRounds; ++round) {
-    if (round == 1) before = Room();
+    if (round == 1) before = Footprint();
     std::vector<Opened> opened;
     for (int w = 0; w < kWindows; ++w) {
       const int id = m_explorer->Open(w % 2 == 0 ? m_sync : m_other);
@@ -240,7 +224,7 @@ TEST_F(LoadFaults, WindowsClosedWhileTheirFolderCheckRunsLeaveNothingBehind) {
   EXPECT_EQ(CountLog(L"call checkReadyLoginAndOpenSync return false."), checks) << "a closed window's check still runs";
   const std::wstring unload = m_explorer->Command(L"canunload Corvane.dll");
   EXPECT_TRUE(unload == L"ok 0x00000000" || unload == L"ok unloaded") << testing::PrintToString(unload);
-  ExpectFlat(before, Room());
+  ExpectFlat(before, Footprint());
   ExpectNoHang();
 }
 
@@ -270,7 +254,7 @@ TEST_F(LoadFaults, ThirtyWindowsLogEveryLineOnceThroughManyRotations) {
   // with its own folder: "Successfully navigated to path: <folder>".
   constexpr std::int64_t kLimit = 5242880, kRoom = 32 * 1024;
   constexpr int kWindows = 30, kBursts = 5, kPosts = 3;
-  Write(CreateKey(UserKey()).get(), Account());
+  Write(CreateKey(kTestUserKey).get(), Account());
   const std::wstring parent = ShellPath(m_scratch->MakeFolder(L"Logs"));
   std::vector<std::vector<std::wstring>> folders(kBursts);
   for (int b = 0; b < kBursts; ++b) {
@@ -316,7 +300,7 @@ TEST_F(LoadFaults, ThirtyWindowsLogEveryLineOnceThroughManyRotations) {
     }
   } rotated{current};
   ASSERT_TRUE(WaitUntil([&] { return CountLog(L"GetCurrentFolderPath = " + m_other + L".") == kWindows; }, 10000));
-  const Headroom before = Room();
+  const Headroom before = Footprint();
 
   for (int b = 0; b < kBursts; ++b) {
     ASSERT_LT(logtest::FileSize(current), kLimit - kRoom) << "burst " << b - 1 << " did not rotate the log";
@@ -372,7 +356,7 @@ TEST_F(LoadFaults, ThirtyWindowsLogEveryLineOnceThroughManyRotations) {
   EXPECT_EQ(threads.size(), static_cast<size_t>(kWindows)) << "browse lines come from every window's thread";
   EXPECT_GT(lastInCurrent, 0) << "the last burst rotated part-way through";
   EXPECT_LT(lastInCurrent, kWindows * kPosts) << "the last burst rotated part-way through";
-  ExpectFlat(before, Room());
+  ExpectFlat(before, Footprint());
   ExpectNoHang();
 }
 
