@@ -21,9 +21,12 @@ class SubclassWindow {
   virtual ~SubclassWindow() { Unsubclass(); }
 
   // Installs the subclass; false when the window is missing, already ours, or Windows refuses.
+  // One window is held at a time: a window held before lets go of our procedure first, since
+  // nothing would remove it once the wrapper has moved on (its data would outlive the wrapper).
   bool Subclass(HWND window, Owner* owner) noexcept {
     if (window == nullptr || m_bManaging) return false;
     m_bManaging = true;
+    if (m_bInstalled && m_hWnd != window) Unsubclass();
     const bool installed = ::SetWindowSubclass(window, &SubclassWindow::Procedure, m_uSubclassId,
                                                reinterpret_cast<DWORD_PTR>(this)) != FALSE;
     if (installed) {
@@ -76,7 +79,9 @@ class SubclassWindow {
     if (!handled) result = ::DefSubclassProc(window, message, wParam, lParam);
     if (message == WM_NCDESTROY) {
       ::RemoveWindowSubclass(window, &SubclassWindow::Procedure, id);
-      self->m_bInstalled = false;
+      // Only the window held now clears the flag: an older window dying must not make the wrapper
+      // forget the subclass it still has on the current one.
+      if (window == self->m_hWnd) self->m_bInstalled = false;
     }
     return result;
   }

@@ -123,3 +123,21 @@ TEST(SubclassWindow, SeesMessagesAndLetsGoOfADyingWindow) {
   spy.Unsubclass();  // and a later unsubclass of a dead window is harmless
   EXPECT_EQ(spy.GetHwnd(), nullptr);
 }
+
+TEST(SubclassWindow, HoldsOneWindowAndAnOlderWindowsDeathLeavesTheNewOneAlone) {
+  CProbe first, second;
+  ASSERT_NE(first.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW), nullptr);
+  ASSERT_NE(second.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW), nullptr);
+  int owner = 0;
+  CSpy spy;
+  ASSERT_TRUE(spy.Subclass(first.m_hWnd, &owner));
+  ASSERT_TRUE(spy.Subclass(second.m_hWnd, &owner));
+  EXPECT_EQ(::SendMessageW(first.m_hWnd, WM_USER + 5, 0, 0), 0) << "the window let go keeps no procedure of ours";
+  EXPECT_EQ(::SendMessageW(second.m_hWnd, WM_USER + 5, 0, 0), 5);
+
+  ::DestroyWindow(first.m_hWnd);
+  EXPECT_TRUE(spy.IsSubclassed()) << "the older window's end is not the current one's";
+  spy.Unsubclass();
+  EXPECT_EQ(::SendMessageW(second.m_hWnd, WM_USER + 5, 0, 0), 0) << "the unsubclass really removed it";
+  EXPECT_EQ(spy.seen, 1);
+}
