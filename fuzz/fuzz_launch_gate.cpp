@@ -1,16 +1,13 @@
-// The start-up gate and the zoom comparison: the gate's decision and its unsigned age, the helper
-// test on arbitrary command lines, FILETIME conversion round trips, and the nearly-equal rule's
-// reflexivity, its absolute form at zero and its indifference to scale.
+// The start-up gate: its decision and its unsigned age, the helper test on arbitrary command
+// lines, and FILETIME conversion round trips.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "core/launch_gate.h"
-#include "core/nearly_equal.h"
 #include "fuzz_support.h"
 
 namespace {
@@ -25,17 +22,6 @@ bool HoldsHelperSwitch(std::wstring_view line) {
   return std::search(line.begin(), line.end(), kSwitch.begin(), kSwitch.end()) != line.end();
 }
 
-double Real(FuzzedDataProvider& input) {
-  switch (input.ConsumeIntegralInRange<int>(0, 3)) {
-    case 0:
-      return input.ConsumeFloatingPointInRange<double>(-4.0, 4.0);
-    case 1:
-      return static_cast<double>(input.ConsumeIntegralInRange<int>(-3, 3));
-    default:
-      return input.ConsumeFloatingPoint<double>();
-  }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -45,9 +31,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto now = input.ConsumeIntegral<std::uint64_t>();
   const auto age = input.ConsumeBool() ? input.ConsumeIntegralInRange<std::uint64_t>(0, 20000)
                                        : input.ConsumeIntegral<std::uint64_t>();
-  const double a = Real(input);
-  const double b = Real(input);
-  const double epsilon = input.ConsumeBool() ? 1e-6 : Real(input);
   const auto fileTime = input.ConsumeIntegral<std::uint64_t>();
   const std::wstring line = Widen(input.ConsumeRemainingBytesAsString());
 
@@ -74,13 +57,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(UnixMsFromFileTime(start) == (start - kUnixEpochAsFileTime) / 10000);
   FUZZ_CHECK(UnixMsFromFileTime(start + 9999) == UnixMsFromFileTime(start));
 
-  // Nearly equal: nothing is near a NaN, every finite number is near itself, zero compares
-  // absolutely, and doubling both sides (exact in binary) changes nothing.
-  const bool near = IsNearlyEqual(a, b, epsilon);
-  if (std::isnan(a) || std::isnan(b) || std::isnan(epsilon)) FUZZ_CHECK(!near);
-  if (std::isfinite(a) && epsilon >= 0) FUZZ_CHECK(IsNearlyEqual(a, a, epsilon));
-  if (a == 0.0 && !std::isnan(b) && !std::isnan(epsilon)) FUZZ_CHECK(near == (std::fabs(b) <= epsilon));
-  const auto ordinary = [](double x) { return std::fabs(x) >= 1e-300 && std::fabs(x) <= 1e300; };
-  if (ordinary(a) && ordinary(b) && std::isfinite(epsilon)) FUZZ_CHECK(IsNearlyEqual(2 * a, 2 * b, epsilon) == near);
   return 0;
 }

@@ -78,11 +78,9 @@ LRESULT CDiskCapacityWnd::OnCreate(UINT, WPARAM, LPARAM, bool&) {
   m_captionCombined.color = CombinedColor(dark);
   m_captionUsed.color = kWhite;
   m_captionTotal.color = kWhite;
-  // Every caption follows the zoom the client publishes for the owner's window, like the bar height.
-  const std::uint64_t zoomWindow = ZoomWindow();
-  for (TextImageStyle* caption : {&m_captionCombined, &m_captionUsed, &m_captionTotal, &m_captionExpand}) {
-    caption->zoomWindow = zoomWindow;
-  }
+  // Only the expand label follows the zoom the client publishes for the owner's window; the figures
+  // keep zoomWindow 0, which names no Explorer window, so they stay at their unzoomed size.
+  m_captionExpand.zoomWindow = ZoomWindow();
 
   const int barHeight = BarHeight();
   const RECT textRect{0, 0, 160, 20};

@@ -62,12 +62,13 @@ void CRightWindow::BuildFamily(TextImageStyle& caption, const wchar_t* prefix, c
 }
 
 void CRightWindow::BuildPictures() {
-  const std::uint64_t zoomWindow = m_pOwner != nullptr ? bar::WindowNumber(m_pOwner->GetExplorerHwnd()) : 0;
   for (TextImageStyle* caption : {&m_captionZhishiku, &m_captionSyncProgress, &m_captionSettings}) {
-    caption->zoomWindow = zoomWindow;
     caption->fontName = L"Microsoft YaHei";
     caption->fontSize = 12.0f;
   }
+  // Only the knowledge-base label follows the owner window's published zoom; the sync-progress and
+  // settings labels keep zoomWindow 0, which names no Explorer window, so they stay unzoomed.
+  m_captionZhishiku.zoomWindow = m_pOwner != nullptr ? bar::WindowNumber(m_pOwner->GetExplorerHwnd()) : 0;
 
   // The knowledge-base label is rendered only to measure the line its icon is scaled to.
   m_captionZhishiku.text = L"AI工作台";

@@ -113,9 +113,23 @@ TEST_F(BarTest, WidthDecidesWhichChildrenShow) {
 TEST_F(BarTest, ZoomChangePostsOneDisplayChangePair) {
   HostedBar hosted(1200);
   PublishZoom(hosted.owner.GetExplorerHwnd(), L"1.0");
+  PublishAdvertising(L"ad-1", L"promo");
   ASSERT_TRUE(hosted.Start());
   EXPECT_EQ(hosted.bar.GetDpiZoom(), 1.0) << "read at creation";
   const int unzoomedHeight = hosted.owner.GetBarHeight();
+
+  // Which captions follow the owner window's zoom: the measuring caption, the promotion, the expand
+  // label and the knowledge-base label; the capacity figures and the two button labels do not.
+  struct {
+    const wchar_t* picture;
+    bool zoomed;
+    LONG unzoomedHeight = 0;
+  } captions[] = {
+      {L"detection.png", true},   {L"advertisingInfo.png", true}, {L"Expand.png", true},
+      {L"zsk_dt.png", true},      {L"Capacity.png", false},       {L"Capacityu.png", false},
+      {L"Capacityt.png", false},  {L"tb_dt1.png", false},         {L"set_dt1.png", false},
+  };
+  for (auto& caption : captions) caption.unzoomedHeight = PictureSize(SkinFile(caption.picture)).cy;
 
   const struct {
     const wchar_t* published;  // null: the value is removed
@@ -126,6 +140,8 @@ TEST_F(BarTest, ZoomChangePostsOneDisplayChangePair) {
       {L"1.0000000009", 0, 1.0},          // within 1e-9
       {L"1.25", 1, 1.25},
       {L"1.25", 0, 1.25},
+      {L"2.0", 1, 2.0},
+      {L"2.0000000015", 1, 2.0000000015},  // absolute 1.5e-9 is a change (relatively only 7.5e-10)
       {nullptr, 1, 0.0},                  // disappeared: a change to 0
       {nullptr, 0, 0.0},
       {L"0.0000000001", 0, 0.0},          // 1e-10 against 0
@@ -144,9 +160,18 @@ TEST_F(BarTest, ZoomChangePostsOneDisplayChangePair) {
     EXPECT_EQ(CountOf(posted, hosted.Bar()), step.posts) << "step " << i << ", bar";
     EXPECT_EQ(CountOf(posted, hosted.Right()), step.posts) << "step " << i << ", right group";
     Pump();
-    EXPECT_EQ(hosted.bar.GetDpiZoom(), step.stored) << "step " << i;
+    EXPECT_DOUBLE_EQ(hosted.bar.GetDpiZoom(), step.stored) << "step " << i;
     if (step.published != nullptr && std::wstring(step.published) == L"1.25" && step.posts == 1) {
       EXPECT_GT(hosted.owner.GetBarHeight(), unzoomedHeight) << "re-measured at 1.25";
+      for (const auto& caption : captions) {
+        const LONG height = PictureSize(SkinFile(caption.picture)).cy;
+        EXPECT_GT(caption.unzoomedHeight, 0) << caption.picture;
+        if (caption.zoomed) {
+          EXPECT_GT(height, caption.unzoomedHeight) << caption.picture << " follows the zoom";
+        } else {
+          EXPECT_EQ(height, caption.unzoomedHeight) << caption.picture << " keeps its size";
+        }
+      }
     }
   }
   EXPECT_EQ(hosted.owner.GetBarHeight(), unzoomedHeight) << "re-measured at 1.0 after the zoom went away";

@@ -6,7 +6,6 @@
 
 #include "../client_registry/saved_value.h"
 #include "client/theme.h"
-#include "core/nearly_equal.h"
 
 namespace {
 
@@ -57,28 +56,6 @@ TEST(ThemeSettingChange, ExactCaseSensitiveStringsOnly) {
   EXPECT_FALSE(theme::IsSettingChange(param(longer), L"ImmersiveColorSet"));
   EXPECT_FALSE(theme::IsSettingChange(param(prefix), L"ImmersiveColorSet"));
   EXPECT_FALSE(theme::IsSettingChange(param(immersive), nullptr));
-}
-
-TEST(NearlyEqual, RelativeWhenBothNonZeroAbsoluteOtherwise) {
-  using corvane::core::IsNearlyEqual;
-  struct Case {
-    double a, b;
-    bool expected;
-  } const cases[] = {
-      {0.0, 0.0, true},
-      {0.0, 1e-10, true},  // absolute: a is zero
-      {0.0, 1e-8, false},
-      {1.0, 1.25, false},
-      {1.0, 1.0 + 5e-10, true},
-      {1.0, 1.0 + 2e-9, false},
-      {1000.0, 1000.0 + 1e-7, true},  // absolute difference above epsilon, relative 1e-10
-      {1e-12, 2e-12, false},          // absolute difference tiny, relative 0.5
-      {-1.0, -1.0 - 5e-10, true},     // the magnitude of b, not b, divides
-      {-1.0, 1.0, false},
-  };
-  for (const auto& c : cases) {
-    EXPECT_EQ(IsNearlyEqual(c.a, c.b, 1e-9), c.expected) << c.a << " vs " << c.b;
-  }
 }
 
 }  // namespace
