@@ -58,16 +58,29 @@ SIZE GetBitmapSize(HBITMAP bitmap) noexcept {
   return SIZE{info.bmWidth, info.bmHeight < 0 ? -info.bmHeight : info.bmHeight};
 }
 
+namespace {
+
+bool BlendPicture(HDC dc, HBITMAP picture, const RECT& target, SIZE source) noexcept {
+  const int width = target.right - target.left, height = target.bottom - target.top;
+  if (dc == nullptr || width <= 0 || height <= 0 || source.cx <= 0 || source.cy <= 0) return false;
+  const corvane::unique_hdc sourceDc(::CreateCompatibleDC(dc));
+  if (!sourceDc) return false;
+  const corvane::scoped_select selected(sourceDc.get(), picture);
+  const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
+  return ::AlphaBlend(dc, target.left, target.top, width, height, sourceDc.get(), 0, 0, source.cx, source.cy, blend) !=
+         FALSE;
+}
+
+}  // namespace
+
 bool DrawPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept {
   const SIZE size = GetBitmapSize(picture);
-  const int width = std::min<int>(size.cx, area.right - area.left);
-  const int height = std::min<int>(size.cy, area.bottom - area.top);
-  if (dc == nullptr || width <= 0 || height <= 0) return false;
-  const corvane::unique_hdc source(::CreateCompatibleDC(dc));
-  if (!source) return false;
-  const corvane::scoped_select selected(source.get(), picture);
-  const BLENDFUNCTION blend{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-  return ::AlphaBlend(dc, area.left, area.top, width, height, source.get(), 0, 0, width, height, blend) != FALSE;
+  const SIZE shown{std::min<LONG>(size.cx, area.right - area.left), std::min<LONG>(size.cy, area.bottom - area.top)};
+  return BlendPicture(dc, picture, RECT{area.left, area.top, area.left + shown.cx, area.top + shown.cy}, shown);
+}
+
+bool StretchPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept {
+  return BlendPicture(dc, picture, area, GetBitmapSize(picture));
 }
 
 }  // namespace imageutil

@@ -23,4 +23,7 @@ SIZE GetBitmapSize(HBITMAP bitmap) noexcept;
 // blending it over what dc already holds. False when nothing could be drawn.
 bool DrawPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept;
 
+// Draws the whole picture scaled to fill area (aspect ratio not kept), blending it over dc.
+bool StretchPngBitmap(HDC dc, HBITMAP picture, const RECT& area) noexcept;
+
 }  // namespace imageutil

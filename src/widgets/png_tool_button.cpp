@@ -116,7 +116,9 @@ void CPngToolButton::Paint(HDC dc) {
   ::FillRect(memory.get(), &client, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
 
   if (const HBITMAP picture = m_hImages[static_cast<size_t>(CurrentSlot())].get()) {
-    imageutil::DrawPngBitmap(memory.get(), picture, client);
+    // Across the whole client rectangle: an account picture of any size fills the logo's square
+    // (the bar sizes every other button to its picture, so those are drawn one to one).
+    imageutil::StretchPngBitmap(memory.get(), picture, client);
   }
 
   if (!m_strCaption.empty()) {

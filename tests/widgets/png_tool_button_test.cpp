@@ -172,10 +172,13 @@ TEST_F(PngToolButton, PaintsPictureOverTheThemeBackgroundWithTransparency) {
     const COLORREF background = dark ? RGB(32, 32, 32) : RGB(255, 255, 255);
     const auto shown = CaptureClient(Button());
     ASSERT_TRUE(shown);
+    // The 30 x 20 picture is stretched across the 50 x 30 client: its half-transparent block
+    // (20..30, 10..20) lands on (33..50, 15..30).
     EXPECT_EQ(shown->at(1, 1), Opaque(background)) << "a transparent corner shows the background, not black";
-    EXPECT_EQ(shown->at(40, 25), Opaque(background)) << "beyond the picture";
     EXPECT_EQ(shown->at(10, 5), kSlotColours[0]);
-    const Argb half = shown->at(25, 15);
+    EXPECT_EQ(shown->at(25, 12), kSlotColours[0]) << "left of the stretched half block";
+    EXPECT_TRUE(Near(shown->at(49, 29), Blend(kSlotColours[0], kHalfAlpha, background), 2)) << "the picture reaches the far corner";
+    const Argb half = shown->at(42, 24);
     EXPECT_TRUE(Near(half, Blend(kSlotColours[0], kHalfAlpha, background), 2))
         << ::testing::PrintToString(half) << " vs " << ::testing::PrintToString(Blend(kSlotColours[0], kHalfAlpha, background));
   }
