@@ -59,20 +59,6 @@ int GetEncoderClsid(const wchar_t* mimeType, CLSID* clsid) {
   return -1;
 }
 
-std::unique_ptr<Gdiplus::Bitmap> LoadBitmapFromFile(const std::wstring& path) {
-  CImageFile file;
-  if (!file.Open(path)) return nullptr;
-  auto copy = std::make_unique<Gdiplus::Bitmap>(static_cast<INT>(file.Width()), static_cast<INT>(file.Height()),
-                                                PixelFormat32bppARGB);
-  if (copy->GetLastStatus() != Ok) return nullptr;
-  const Gdiplus::Rect whole(0, 0, static_cast<INT>(file.Width()), static_cast<INT>(file.Height()));
-  Gdiplus::BitmapData target{};
-  if (copy->LockBits(&whole, Gdiplus::ImageLockModeWrite, PixelFormat32bppARGB, &target) != Ok) return nullptr;
-  const bool copied = file.CopyPixels(PixelFormat32bppARGB, target.Scan0, target.Stride);
-  if (copy->UnlockBits(&target) != Ok || !copied) return nullptr;
-  return copy;
-}
-
 bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
   if (style.text.empty()) return false;
 

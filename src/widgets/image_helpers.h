@@ -48,10 +48,6 @@ bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, 
 // out; -1 when there is none.
 int GetEncoderClsid(const wchar_t* mimeType, CLSID* clsid);
 
-// A picture file decoded into a 32-bit ARGB bitmap held in memory; the file is closed on return.
-// Null when the file cannot be read or decoded.
-std::unique_ptr<Gdiplus::Bitmap> LoadBitmapFromFile(const std::wstring& path);
-
 }  // namespace imageutil
 
 using imageutil::CombinePngHorizontally;

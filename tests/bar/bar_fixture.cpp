@@ -1,8 +1,10 @@
 #include "bar_fixture.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "platform/module_path.h"
+#include "widgets/image_file.h"
 #include "widgets/image_helpers.h"
 
 namespace bartest {
@@ -107,16 +109,16 @@ RECT RectIn(HWND window, HWND parent) {
 
 std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
-std::set<std::uint32_t> InkColours(const std::wstring& path) {
+std::set<std::uint32_t> InkColours(const std::wstring& path, LONG fromColumn, LONG toColumn) {
   std::set<std::uint32_t> colours;
-  const std::unique_ptr<Gdiplus::Bitmap> bitmap = imageutil::LoadBitmapFromFile(path);
-  if (!bitmap) return colours;
-  for (UINT y = 0; y < bitmap->GetHeight(); ++y) {
-    for (UINT x = 0; x < bitmap->GetWidth(); ++x) {
-      Gdiplus::Color pixel;
-      bitmap->GetPixel(static_cast<INT>(x), static_cast<INT>(y), &pixel);
-      if (pixel.GetA() >= 128) colours.insert(pixel.GetValue() & 0xFFFFFFu);
-    }
+  imageutil::CImageFile file;
+  if (!file.Open(path)) return colours;
+  const LONG width = static_cast<LONG>(file.Width());
+  std::vector<std::uint32_t> pixels(static_cast<size_t>(width) * file.Height());
+  if (!file.CopyPixels(PixelFormat32bppARGB, pixels.data(), static_cast<int>(width * 4))) return colours;
+  for (size_t i = 0; i < pixels.size(); ++i) {
+    const LONG column = static_cast<LONG>(i % static_cast<size_t>(width));
+    if (column >= fromColumn && column < toColumn && (pixels[i] >> 24) >= 128) colours.insert(pixels[i] & 0xFFFFFFu);
   }
   return colours;
 }

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <climits>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -111,8 +112,9 @@ RECT RectIn(HWND window, HWND parent);
 using logtest::FileExists;
 std::wstring SkinFile(const wchar_t* name);
 // The distinct colours (0xRRGGBB) of a picture's pixels that are at least half covered; faint
-// anti-aliased edges are left out, so a caption yields exactly its text colour.
-std::set<std::uint32_t> InkColours(const std::wstring& path);
+// anti-aliased edges are left out, so a caption yields exactly its text colour. Only the columns
+// [fromColumn, toColumn) are looked at.
+std::set<std::uint32_t> InkColours(const std::wstring& path, LONG fromColumn = 0, LONG toColumn = LONG_MAX);
 SIZE PictureSize(const std::wstring& path);
 
 class BarTest : public registrytest::RegistryTest {

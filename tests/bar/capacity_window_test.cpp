@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "core/capacity.h"
+#include "log_files.h"
+#include "widgets/image_helpers.h"
 
 namespace bartest {
 namespace {
@@ -46,6 +48,36 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
   EXPECT_EQ(joined.cx, used.cx + total.cx - 4);
   EXPECT_EQ(joined.cy, std::max(used.cy, total.cy));
   EXPECT_EQ(capacity.GetTextButton().GetImagePath(0), SkinFile(L"Capacityut.png"));
+
+  // Texts and sides: 2 GiB - 500 MiB of 2 GiB in light theme, a warning. Each caption holds exactly
+  // the picture of its text at 12 px; the join has the red used figure left, the slate total right.
+  SetDarkTheme(false);
+  PublishSpace(2 * kGiB, warnUsed);
+  hosted.Tick();
+  const logtest::TempFolder oracle;
+  const struct {
+    const wchar_t* picture;
+    const wchar_t* text;
+    Gdiplus::ARGB colour;
+  } texts[] = {
+      {L"Capacityu.png", L"1.51GB", 0xFFFB5248},
+      {L"Capacityt.png", L"/2GB", 0xFF4D5966},
+      {L"Capacity.png", L"1.51GB/2GB", 0xFFFB5248},
+  };
+  for (const auto& caption : texts) {
+    imageutil::TextImageStyle style;
+    style.text = caption.text;
+    style.color = caption.colour;
+    style.fontSize = 12.0f;
+    ASSERT_TRUE(imageutil::RenderTextToPng(style, oracle / caption.picture));
+    EXPECT_EQ(logtest::ReadBytes(SkinFile(caption.picture)), logtest::ReadBytes(oracle / caption.picture))
+        << logtest::Utf8(caption.text);
+  }
+  const LONG usedWidth = PictureSize(SkinFile(L"Capacityu.png")).cx;
+  EXPECT_EQ(InkColours(SkinFile(L"Capacityut.png"), 0, usedWidth - 4), std::set<std::uint32_t>{kRed});
+  EXPECT_EQ(InkColours(SkinFile(L"Capacityut.png"), usedWidth), std::set<std::uint32_t>{kSlate});
+  PublishSpace(2 * kGiB, normalUsed);
+  hosted.Tick();
 
   // A theme change reaches the display through WM_SETTINGCHANGE without new figures.
   SetDarkTheme(true);

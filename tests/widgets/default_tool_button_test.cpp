@@ -129,9 +129,23 @@ TEST_F(DefaultToolButton, EnableAndFocusStates) {
 TEST_F(DefaultToolButton, DefaultPaintingUsesThePaletteOfStateAndTheme) {
   ThemeOverride theme(false);
   constexpr int kWidth = 100, kHeight = 40;
-  for (const bool dark : {false, true}) {
+  // The palette as the client's designers fixed it: background and text by theme and state.
+  const struct {
+    bool dark;
+    int state;
+    COLORREF background, text;
+  } palette[] = {
+      {false, 0, RGB(255, 255, 255), RGB(18, 33, 51)},  {false, 1, RGB(229, 243, 255), RGB(18, 33, 51)},
+      {false, 2, RGB(205, 232, 255), RGB(18, 33, 51)},  {false, 3, RGB(247, 250, 252), RGB(128, 128, 128)},
+      {false, 9, RGB(255, 255, 255), RGB(18, 33, 51)},  {true, 0, RGB(51, 51, 51), RGB(255, 255, 255)},
+      {true, 1, RGB(77, 77, 77), RGB(255, 255, 255)},   {true, 2, RGB(102, 102, 102), RGB(255, 255, 255)},
+      {true, 3, RGB(40, 40, 40), RGB(128, 128, 128)},   {true, 9, RGB(51, 51, 51), RGB(255, 255, 255)},
+  };
+  for (const auto& row : palette) {
+    const bool dark = row.dark;
+    const int state = row.state;
     theme.Set(dark);
-    for (const int state : {0, 1, 2, 3, 9}) {
+    {
       SCOPED_TRACE(::testing::Message() << (dark ? "dark" : "light") << " state " << state);
       // A 32-bit buffer of a known colour to paint over.
       const corvane::scoped_window_dc screen(Button());
@@ -151,7 +165,7 @@ TEST_F(DefaultToolButton, DefaultPaintingUsesThePaletteOfStateAndTheme) {
         const DWORD p = pixels[y * kWidth + x];
         return Argb{255, static_cast<BYTE>(p >> 16), static_cast<BYTE>(p >> 8), static_cast<BYTE>(p)};
       };
-      const Argb background = Opaque(theme::ToolButtonBackground(dark, state));
+      const Argb background = Opaque(row.background);
       EXPECT_EQ(at(8, 20), background);
       EXPECT_EQ(at(92, 30), background);
       // The edge column is left to the glow, which only hover draws.
@@ -162,7 +176,7 @@ TEST_F(DefaultToolButton, DefaultPaintingUsesThePaletteOfStateAndTheme) {
         EXPECT_EQ(edge, (Argb{255, 10, 20, 30}));
       }
       // The darkest (light theme) or brightest (dark theme) ink is the text colour.
-      const Argb text = Opaque(theme::ToolButtonText(dark, state));
+      const Argb text = Opaque(row.text);
       int best = 1 << 30;
       for (int y = 0; y < kHeight; ++y) {
         for (int x = 30; x < 70; ++x) {
@@ -180,11 +194,11 @@ TEST_F(DefaultToolButton, PaintsThroughItsWindow) {
   Send(WM_MOUSEMOVE);
   const auto shown = CaptureClient(Button());
   ASSERT_TRUE(shown);
-  EXPECT_EQ(shown->at(8, 20), Opaque(theme::ToolButtonBackground(true, 1)));
+  EXPECT_EQ(shown->at(8, 20), Opaque(RGB(77, 77, 77))) << "dark hover";
   ::EnableWindow(Button(), FALSE);
   const auto disabled = CaptureClient(Button());
   ASSERT_TRUE(disabled);
-  EXPECT_EQ(disabled->at(8, 20), Opaque(theme::ToolButtonBackground(true, 3)));
+  EXPECT_EQ(disabled->at(8, 20), Opaque(RGB(40, 40, 40))) << "dark disabled";
 }
 
 TEST_F(DefaultToolButton, ThemeNotificationsInvalidate) {

@@ -92,7 +92,7 @@ TEST_F(ProgressCtrl, PaintsTrackAndFillWhateverTheTheme) {
     EXPECT_GT(Columns(*shown, kTrack), 130);
     EXPECT_EQ(shown->at(100, 3), kTrack);
     // The two bottom rows carry no track, only the bar's colour (never stale pixels).
-    const Argb bar = Opaque(theme::BarBackground(dark));
+    const Argb bar = Opaque(dark ? RGB(32, 32, 32) : RGB(255, 255, 255));
     for (int x = 0; x < shown->width; x += 20) {
       EXPECT_EQ(shown->at(x, 7), bar) << x;
       EXPECT_EQ(shown->at(x, 8), bar) << x;
