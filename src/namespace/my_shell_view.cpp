@@ -121,6 +121,8 @@ HRESULT CMyShellView::BrowseTo(const std::wstring& path) {
   const HRESULT parsed = ::SHParseDisplayName(path.c_str(), nullptr, pidl.put(), 0, nullptr);
   if (FAILED(parsed)) return parsed;
   if (!m_spShellBrowser) return S_FALSE;
+  // The window showing the prompt is the one that leaves the folder, whatever the user's
+  // open-in-new-window setting: same browser (1), and no other flag (relative, mode) set.
   return m_spShellBrowser->BrowseObject(pidl.get(), SBSP_SAMEBROWSER);
 }
 

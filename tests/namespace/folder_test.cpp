@@ -126,6 +126,57 @@ TEST_P(FolderTest, RemembersItsIdListAndRefusesItems) {
   EXPECT_EQ(ui, nullptr);
 }
 
+TEST_P(FolderTest, TheRemainingMethodsAnswerAsStubs) {
+  ComPtr<IShellFolder2> folder;
+  ASSERT_EQ(m_folder.As(&folder), S_OK);
+  const USHORT empty = 0;
+  const auto item = reinterpret_cast<PCUITEMID_CHILD>(&empty);
+  void* const kUntouched = reinterpret_cast<void*>(0x1234);
+  void* storage = kUntouched;
+  ComPtr<IEnumExtraSearch> searches;
+  GUID search{};
+  VARIANT details;
+  ::VariantInit(&details);
+  SHELLDETAILS columnDetails{};
+  SHCOLUMNID columnId{};
+  PITEMID_CHILD renamed = nullptr;
+  wchar_t newName[] = L"other";
+  const struct {
+    const char* method;
+    HRESULT result;
+    HRESULT expected;
+  } calls[] = {
+      {"EnumObjects without out pointer", folder->EnumObjects(nullptr, SHCONTF_FOLDERS, nullptr), E_POINTER},
+      {"BindToStorage", folder->BindToStorage(item, nullptr, IID_IStream, &storage), S_OK},
+      {"CompareIDs", folder->CompareIDs(0, item, item), S_OK},
+      {"SetNameOf", folder->SetNameOf(nullptr, item, newName, SHGDN_NORMAL, &renamed), S_OK},
+      {"GetDefaultSearchGUID", folder->GetDefaultSearchGUID(&search), E_NOTIMPL},
+      {"EnumSearches", folder->EnumSearches(&searches), E_NOINTERFACE},
+      {"GetDetailsEx", folder->GetDetailsEx(item, &columnId, &details), E_NOTIMPL},
+      {"GetDetailsOf", folder->GetDetailsOf(item, 0, &columnDetails), E_NOTIMPL},
+      {"MapColumnToSCID", folder->MapColumnToSCID(0, &columnId), E_NOTIMPL},
+  };
+  for (const auto& call : calls) EXPECT_EQ(call.result, call.expected) << call.method;
+  EXPECT_EQ(storage, kUntouched) << "BindToStorage writes nothing";
+  EXPECT_EQ(renamed, nullptr);
+  EXPECT_EQ(searches.Get(), nullptr);
+
+  // Parsing is the shell's; the counts the caller passes are left alone.
+  ULONG eaten = 77;
+  SFGAOF attributes = 77;
+  wchar_t path[] = L"C:\\windows";
+  corvane::unique_pidl parsed;
+  EXPECT_EQ(folder->ParseDisplayName(nullptr, nullptr, path, &eaten, reinterpret_cast<PIDLIST_RELATIVE*>(parsed.put()),
+                                     &attributes),
+            S_OK);
+  EXPECT_NE(parsed.get(), nullptr);
+  EXPECT_EQ(eaten, 77u);
+  EXPECT_EQ(attributes, 77u);
+  wchar_t nonsense[] = L"C:\\corvane no such folder\\nothing";
+  PIDLIST_RELATIVE none = nullptr;
+  EXPECT_EQ(folder->ParseDisplayName(nullptr, nullptr, nonsense, nullptr, &none, nullptr), E_INVALIDARG);
+}
+
 TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
   ComPtr<IDropTarget> target;
   EXPECT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&target)), E_NOTIMPL);

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "debug_capture.h"
 #include "namespace_fixture.h"
 #include "platform/handles.h"
 
@@ -81,6 +82,16 @@ const FaceCase kFaces[] = {
 };
 
 class PromptTest : public NamespaceTest {};
+
+// The prompt's state posts (WM_USER + 239) seen by this thread's message loop.
+std::vector<std::pair<HWND, WPARAM>> g_statePosts;
+LRESULT CALLBACK RecordStatePosts(int code, WPARAM wParam, LPARAM lParam) {
+  const auto* message = reinterpret_cast<const MSG*>(lParam);
+  if (code == HC_ACTION && wParam == PM_REMOVE && message->message == WM_USER + 239) {
+    g_statePosts.emplace_back(message->hwnd, message->wParam);
+  }
+  return ::CallNextHookEx(nullptr, code, wParam, lParam);
+}
 
 TEST_F(PromptTest, FacesByStateSizeAndTheme) {
   for (const bool dark : {false, true}) {
@@ -178,12 +189,13 @@ TEST_F(PromptTest, ButtonsSendTheirCommands) {
     ClientState state;
     int button;
     const wchar_t* command;
+    const wchar_t* logger;  // the function the log line names
   };
   const ClickCase cases[] = {
-      {ClientState::kSignedOut, 0, L"login|from_shell"},
-      {ClientState::kSignedInNoSync, 1, L"syncdisk|open"},
-      {ClientState::kSignedInNoSync, 2, L"syncdisk|open"},
-      {ClientState::kSignedInNoSync, 3, L"syncdisk|open"},
+      {ClientState::kSignedOut, 0, L"login|from_shell", L"CMainWindow::OnBtnLoginClick"},
+      {ClientState::kSignedInNoSync, 1, L"syncdisk|open", L"CMainWindow::OnBtnSyncClick"},
+      {ClientState::kSignedInNoSync, 2, L"syncdisk|open", L"CMainWindow::OnBtnSyncClick"},
+      {ClientState::kSignedInNoSync, 3, L"syncdisk|open", L"CMainWindow::OnBtnSyncClick"},
   };
   for (const ClickCase& c : cases) {
     SCOPED_TRACE(testing::Message() << "button " << c.button);
@@ -192,10 +204,17 @@ TEST_F(PromptTest, ButtonsSendTheirCommands) {
     const HWND button = Button(Prompt(), c.button);
     ASSERT_NE(button, nullptr);
     const size_t before = CommandCount();
+    testsupport::DebugCapture capture;  // every log line also goes to the debugger
     // A press and release inside the button, as the mouse delivers them; the button need not show.
     ::SendMessageW(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
     ::SendMessageW(button, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
-    EXPECT_EQ(NextCommand(before), launchertest::Received(ClientExe(), L" -shellpopwin \"" + std::wstring(c.command) + L"\""));
+    const std::wstring parameters = L" -shellpopwin \"" + std::wstring(c.command) + L"\"";
+    EXPECT_EQ(NextCommand(before), launchertest::Received(ClientExe(), parameters));
+    const auto logged = capture.LinesContaining(L"call cx::exeCloudCommandLine");
+    ASSERT_EQ(logged.size(), 1u);
+    EXPECT_EQ(logged[0].rfind(L"[Info][", 0), 0u) << Utf8(logged[0]);
+    const std::wstring tail = L"[" + std::wstring(c.logger) + L"]call cx::exeCloudCommandLine = " + ClientExe() + parameters + L".";
+    EXPECT_TRUE(logged[0].ends_with(tail)) << Utf8(logged[0]);
     m_host.reset();
   }
 }
@@ -210,7 +229,23 @@ TEST_F(PromptTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
   nshost::PumpFor(1300);
   ASSERT_FALSE(m_host->BrowseCalls().empty());
   EXPECT_EQ(m_host->BrowseCalls().front().path, m_syncFolder);
-  EXPECT_EQ(m_host->BrowseCalls().front().flags, static_cast<UINT>(SBSP_SAMEBROWSER));
+  EXPECT_EQ(m_host->BrowseCalls().front().flags, 1u) << "SBSP_SAMEBROWSER and nothing else";
+
+  // Signed out, the poll keeps the sync-ready value it had: it still posts 1, yet nothing browses,
+  // because the step into the folder asks the registry again.
+  const size_t browses = m_host->BrowseCalls().size();
+  g_statePosts.clear();
+  const corvane::unique_hhook spy(::SetWindowsHookExW(WH_GETMESSAGE, RecordStatePosts, nullptr, ::GetCurrentThreadId()));
+  ASSERT_TRUE(static_cast<bool>(spy));
+  Publish(ClientState::kSignedOut);
+  nshost::PumpFor(1300);
+  ASSERT_FALSE(g_statePosts.empty());
+  for (const auto& [window, wParam] : g_statePosts) {
+    EXPECT_EQ(window, Prompt());
+    EXPECT_EQ(wParam, 1u);
+  }
+  EXPECT_EQ(m_host->BrowseCalls().size(), browses);
+  Publish(ClientState::kSyncReady);
 
   // The view decides the prompt's visibility when it is sized.
   ::SetWindowPos(m_host->Frame(), nullptr, 0, 0, 820, 600, SWP_NOMOVE | SWP_NOZORDER);
