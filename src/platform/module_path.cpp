@@ -21,7 +21,16 @@ std::wstring ThisModulePath() {
   return std::wstring(buffer, length);
 }
 
-std::wstring ThisModuleFolder() { return core::FolderOf(ThisModulePath()); }
+std::wstring ThisModuleFolder() {
+  // Read into MAX_PATH characters like every path of the add-in. A longer path comes back cut to
+  // its first 259 characters, and the folder is what precedes the last backslash of that text: the
+  // right folder while only the file name was cut, else an ancestor of it, but always absolute (an
+  // empty folder would turn the log and skin folders into paths relative to Explorer's directory).
+  wchar_t buffer[MAX_PATH] = {};
+  const DWORD length = ::GetModuleFileNameW(ThisModule(), buffer, MAX_PATH);
+  if (length == 0) return std::wstring();
+  return core::FolderOf(std::wstring(buffer, length < MAX_PATH ? length : MAX_PATH - 1));
+}
 
 std::wstring ClientFolder() { return core::ParentFolder(ThisModuleFolder()); }
 

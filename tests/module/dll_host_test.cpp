@@ -103,4 +103,29 @@ TEST(DllHost, EveryOtherHostIsRefused) {
   for (const HostCase& c : cases) CheckHost(c);
 }
 
+TEST(DllHost, ADllPathPast260CharactersStillLogsBesideTheClient) {
+  // <client>\shell\Corvane.dll of 265 characters: the 260-character read cuts into the file name,
+  // and the folder before its last backslash is still the DLL's own.
+  const logtest::TempFolder scratch;
+  const std::wstring tail = L"\\shell\\Corvane.dll";
+  const std::wstring client = scratch.Path() + L"\\" + std::wstring(265 - scratch.Path().size() - 1 - tail.size(), L'c');
+  const std::wstring dll = client + tail;
+  ASSERT_EQ(dll.size(), 265u);
+  if (!::CreateDirectoryW(client.c_str(), nullptr) || !::CreateDirectoryW((client + L"\\shell").c_str(), nullptr) ||
+      !::CopyFileW((moduletest::ProgramFolder() + L"Corvane.dll").c_str(), dll.c_str(), TRUE) ||
+      !::CreateDirectoryW((client + L"\\log").c_str(), nullptr) ||
+      !::CreateDirectoryW((client + L"\\log\\Corvane").c_str(), nullptr)) {
+    GTEST_SKIP() << "this system refuses paths past 260 characters";
+  }
+  const std::wstring hostPath = moduletest::ProgramFolder() + L"hosts\\plain\\explorer.exe";
+  const moduletest::HostRun run = moduletest::RunHost(hostPath, dll);
+  ASSERT_TRUE(run.finished);
+  EXPECT_EQ(run.values.count(L"load") ? run.values.at(L"load") : L"", L"ok") << testing::PrintToString(run.output);
+  const std::vector<std::wstring> logs = logtest::FilesIn(client + L"\\log\\Corvane");
+  ASSERT_EQ(logs.size(), 1u);
+  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(client + L"\\log\\Corvane\\" + logs[0]));
+  EXPECT_TRUE(std::any_of(lines.begin(), lines.end(),
+                          [&](const std::wstring& line) { return line.ends_with(L"]ower app = " + hostPath); }));
+}
+
 }  // namespace
