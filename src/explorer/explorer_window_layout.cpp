@@ -31,6 +31,8 @@ LRESULT CExplorerWindow::OnFrameMessage(UINT message, WPARAM, LPARAM lParam, boo
       OnRefreshTitle();
       return 0;
     default:
+      // WM_SETTINGCHANGE included: the frame only passes it on. The bar and its children read the
+      // theme afresh at every paint, and their own theme handlers run if Explorer hands it down.
       return 0;
   }
 }
@@ -113,7 +115,9 @@ void CExplorerWindow::CheckFolder() {
     }
   } else {
     std::wstring curPath;
-    if (!GetCurrentFolderPath(m_spShellBrowser, curPath)) {
+    // A reference of this thread's own: the window thread may replace the member meanwhile.
+    const Microsoft::WRL::ComPtr<IShellBrowser> shellBrowser = m_spShellBrowser;
+    if (!GetCurrentFolderPath(shellBrowser, curPath)) {
       if (m_bShowTitle) {
         m_bShowTitle = false;
         ::PostMessageW(m_hExplorer, WM_REFRESH_TITLE, 0, 0);
