@@ -36,9 +36,6 @@ COLORREF ToolButtonText(bool dark, int state) noexcept {
   return dark ? RGB(255, 255, 255) : RGB(18, 33, 51);
 }
 
-DWORD CapacityTextArgb(bool dark) noexcept {
-  return dark ? 0xFFFFFFFFu : ((255u << 24) | (77u << 16) | (89u << 8) | 102u);
-}
 
 bool IsSettingChange(LPARAM lParam, const wchar_t* name) noexcept {
   const auto* text = reinterpret_cast<const wchar_t*>(lParam);

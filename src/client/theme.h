@@ -16,8 +16,6 @@ COLORREF SeparatorLine(bool dark) noexcept;
 // Tool button states: 0 normal, 1 hover, 2 pressed, 3 disabled; any other state paints as normal.
 COLORREF ToolButtonBackground(bool dark, int state) noexcept;
 COLORREF ToolButtonText(bool dark, int state) noexcept;
-// The capacity display's text, as ARGB for GDI+.
-DWORD CapacityTextArgb(bool dark) noexcept;
 
 // True for the WM_SETTINGCHANGE strings that announce a theme change to a window: lParam must be a
 // string equal to one of the given names, exactly and case-sensitively.

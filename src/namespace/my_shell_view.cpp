@@ -100,10 +100,14 @@ IFACEMETHODIMP CMyShellView::Drop(IDataObject* data, DWORD, POINTL, DWORD* effec
     STGMEDIUM medium{};
     if (data != nullptr && SUCCEEDED(data->GetData(&format, &medium))) {
       const auto drop = static_cast<HDROP>(medium.hGlobal);
-      if (regUtil::checkReadyLogin()) {
-        if (const auto command = droppedfolders::SendFolders(droppedfolders::CollectFolders(drop))) {
-          LOG_INFO(L"CMyShellView::Drop", L"call cx::exeCloudCommandLine = %s.", command->c_str());
+      try {
+        if (regUtil::checkReadyLogin()) {
+          if (const auto command = droppedfolders::SendFolders(droppedfolders::CollectFolders(drop))) {
+            LOG_INFO(L"CMyShellView::Drop", L"call cx::exeCloudCommandLine = %s.", command->c_str());
+          }
         }
+      } catch (...) {
+        // The drop handle is finished below all the same.
       }
       // DragFinish frees the medium's memory, as the system has always released it.
       ::DragFinish(drop);
