@@ -2,9 +2,11 @@
 // refresh, the zoom follow-up and the right group's shared placement.
 #include "bar_fixture.h"
 
+#include <algorithm>
 #include <iterator>
 #include <tuple>
 
+#include "platform/handles.h"
 #include "widgets/image_helpers.h"
 
 namespace bartest {
@@ -54,6 +56,45 @@ TEST_F(BarTest, CreationMeasuresTheTextLineAndLaysOutFromIt) {
   EXPECT_EQ(right.GetButtonRect(0).left, 10);
   EXPECT_EQ(right.GetButtonRect(1).left, right.GetButtonRect(0).right + 20);
   EXPECT_EQ(right.GetButtonRect(2).left, right.GetButtonRect(1).right + 20);
+
+  // Styles: the bar clips and composites its children; its own children are plain visible children.
+  EXPECT_EQ(static_cast<DWORD>(::GetWindowLongPtrW(hosted.Bar(), GWL_STYLE)), 0x56000000u);
+  EXPECT_EQ(static_cast<DWORD>(::GetWindowLongPtrW(hosted.Bar(), GWL_EXSTYLE)) & WS_EX_COMPOSITED,
+            static_cast<DWORD>(WS_EX_COMPOSITED));
+  for (const int id : {CTitleWindow::IDC_TITLE_LOGO, CTitleWindow::IDC_TITLE_CAPACITY}) {
+    EXPECT_EQ(static_cast<DWORD>(::GetWindowLongPtrW(hosted.Child(id), GWL_STYLE)) & 0xFFFF0000u, 0x50000000u) << id;
+  }
+  // Painted into a given DC: the separator along the bottom row in the theme's line colour, and
+  // nothing of its own above it (the parent's background is the parent's to draw). The capacity
+  // display paints no separator.
+  for (const bool dark : {false, true}) {
+    SetDarkTheme(dark);
+    for (const HWND window : {hosted.Bar(), hosted.Child(CTitleWindow::IDC_TITLE_CAPACITY)}) {
+      RECT client{};
+      ::GetClientRect(window, &client);
+      const corvane::unique_hdc dc(::CreateCompatibleDC(nullptr));
+      BITMAPINFO info{};
+      info.bmiHeader = {sizeof(info.bmiHeader), client.right, -client.bottom, 1, 32, BI_RGB};
+      void* bits = nullptr;
+      const corvane::unique_hbitmap target(::CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+      ASSERT_TRUE(target);
+      const corvane::scoped_select selected(dc.get(), target.get());
+      auto* pixels = static_cast<DWORD*>(bits);
+      std::fill(pixels, pixels + client.right * client.bottom, 0x0A141Eu);
+      ::SendMessageW(window, WM_PAINT, reinterpret_cast<WPARAM>(dc.get()), 0);
+      ::GdiFlush();
+      const DWORD line = dark ? 0x3A3A3Au : 0xD9D9D9u;
+      const DWORD bottom = pixels[(client.bottom - 1) * client.right + client.right / 2] & 0xFFFFFFu;
+      const DWORD above = pixels[(client.bottom - 2) * client.right + client.right / 2] & 0xFFFFFFu;
+      if (window == hosted.Bar()) {
+        EXPECT_EQ(bottom, line) << (dark ? "dark" : "light");
+      } else {
+        EXPECT_NE(bottom, line) << "capacity, " << (dark ? "dark" : "light");
+      }
+      EXPECT_NE(above, line);
+    }
+  }
+  SetDarkTheme(false);
 
   const HWND bar = hosted.Bar();
   hosted.bar.Uninitialize();

@@ -22,6 +22,7 @@ void ExpectRestored(const BarState& state) {
   ASSERT_NE(state.bar, nullptr) << "the bar was never made";
   EXPECT_FALSE(state.shown) << "the bar is still visible in the view window";
   EXPECT_FALSE(::IsWindowVisible(state.bar));
+  EXPECT_EQ(::GetParent(state.bar), state.frame) << "a hidden bar is parked under the frame";
   EXPECT_EQ(state.listInView.top, 0);
   EXPECT_EQ(state.listInView.bottom, state.view.bottom);
 }

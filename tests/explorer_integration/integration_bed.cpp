@@ -168,6 +168,7 @@ BarState ExplorerIntegration::Bar(int id) {
   FindBar find;
   ::EnumChildWindows(frame, &FindBarProc, reinterpret_cast<LPARAM>(&find));
   state.bar = find.found;
+  state.frame = frame;
   if (state.bar == nullptr || view == nullptr) return state;
   state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
   state.barInView = InClient(state.bar, view);

@@ -33,6 +33,7 @@ struct Headroom {
 // Where the bar is, seen from outside the stand-in.
 struct BarState {
   HWND bar = nullptr;
+  HWND frame = nullptr;      // the window's top-level frame
   bool shown = false;        // visible and a child of the view window
   RECT barInView{};          // in the view window's client coordinates
   RECT listInView{};         // the DirectUIHWND file list, likewise
