@@ -31,6 +31,8 @@
 #include "log/logger.h"
 #include "platform/gdiplus_session.h"
 #include "platform/module_path.h"
+#include "platform/work_profile.h"
+#include "widgets/render_ledger.h"
 #include "widgets/image_helpers.h"
 
 namespace {
@@ -286,6 +288,103 @@ void BenchRemeasure(const PublishedState& state) {
   CloseHost(host, state);
 }
 
+// The work counted by the add-in's own profile, between two readings.
+struct WorkReading {
+  corvane::profile::Tally tally[static_cast<int>(corvane::profile::Work::kCount)];
+  static WorkReading Now() {
+    WorkReading reading;
+    for (int i = 0; i < static_cast<int>(corvane::profile::Work::kCount); ++i) {
+      reading.tally[i] = corvane::profile::Get(static_cast<corvane::profile::Work>(i));
+    }
+    return reading;
+  }
+};
+
+void PrintWork(const char* phase, double ms, const WorkReading& a, const WorkReading& b) {
+  std::printf("  %s: %.1f ms on the window thread;", phase, ms);
+  for (int i = 0; i < static_cast<int>(corvane::profile::Work::kCount); ++i) {
+    const auto count = b.tally[i].count - a.tally[i].count;
+    if (count == 0) continue;
+    std::printf(" %ls %lld (%.1f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(i)),
+                static_cast<long long>(count), (b.tally[i].microseconds - a.tally[i].microseconds) / 1000.0);
+  }
+  std::printf("\n");
+}
+
+// Where a bar's time goes, phase by phase, with the picture ledger off (every picture rendered and
+// written, as the rules alone would) and on (a file that already holds identical inputs' output is
+// left alone), in this one run:
+//   a. the first bar of the process (ledger empty),
+//   b. a bar in a second window while the first lives,
+//   c. the re-measure after a zoom change (1.0 -> 1.5) in that second window.
+// The unit is one caption rendered to a file, timed in the same run.
+void BenchProfile(const PublishedState& state) {
+  imageutil::TextImageStyle caption;
+  caption.text = L"设置";
+  caption.color = CTitleWindow::kCaptionColor;
+  caption.fontName = L"Microsoft YaHei";
+  caption.fontSize = 12.0f;
+  const std::wstring captionFile = state.Scratch(L"unit.png");
+  imageutil::SetReuse(false);
+  std::vector<double> units;
+  for (int i = 0; i < 9; ++i) {
+    const double t0 = bench::NowMicroseconds();
+    RenderTextToPng(caption, captionFile);
+    units.push_back((bench::NowMicroseconds() - t0) / 1000.0);
+  }
+  const double unit = bench::Median(units);
+  std::printf("bar profile (one caption rendered to a file: %.2f ms, median of 9)\n", unit);
+
+  for (const bool reuse : {false, true, false, true}) {
+    imageutil::SetReuse(false);  // forgets what was recorded: the first bar meets an empty ledger
+    imageutil::SetReuse(reuse);
+    std::printf(" picture ledger %s:\n", reuse ? "on" : "off");
+    CHostWindow first, second;
+    WorkReading w0 = WorkReading::Now();
+    double t0 = bench::NowMicroseconds();
+    if (!first.CreateFrame(10, 10, 900, 240)) return;
+    state.Zoom(first.m_hWnd, L"1.0");
+    ::ShowWindow(first.m_hWnd, SW_SHOWNOACTIVATE);
+    Pump();
+    w0 = WorkReading::Now();
+    t0 = bench::NowMicroseconds();
+    const bool created = first.CreateBar();
+    Pump();
+    double ms = (bench::NowMicroseconds() - t0) / 1000.0;
+    WorkReading w1 = WorkReading::Now();
+    if (!created) return;
+    PrintWork("a. first bar", ms, w0, w1);
+
+    if (!second.CreateFrame(40, 300, 900, 240)) return;
+    state.Zoom(second.m_hWnd, L"1.0");
+    ::ShowWindow(second.m_hWnd, SW_SHOWNOACTIVATE);
+    Pump();
+    w0 = WorkReading::Now();
+    t0 = bench::NowMicroseconds();
+    second.CreateBar();
+    Pump();
+    ms = (bench::NowMicroseconds() - t0) / 1000.0;
+    w1 = WorkReading::Now();
+    PrintWork("b. bar in a second window", ms, w0, w1);
+    std::printf("     second window's bar / one caption render: %.1f\n", ms / unit);
+
+    const HWND bar = second.Bar().m_hWnd;
+    ::KillTimer(bar, CTitleWindow::TIMER_CLOUD_UPDATE_INFO);
+    state.Zoom(second.m_hWnd, L"1.5");
+    w0 = WorkReading::Now();
+    t0 = bench::NowMicroseconds();
+    Tick(bar);
+    Pump();
+    ms = (bench::NowMicroseconds() - t0) / 1000.0;
+    w1 = WorkReading::Now();
+    PrintWork("c. re-measure 1.0 -> 1.5", ms, w0, w1);
+    std::printf("     re-measure / one caption render: %.1f\n", ms / unit);
+    CloseHost(second, state);
+    CloseHost(first, state);
+  }
+  imageutil::SetReuse(true);
+}
+
 struct Footprint {
   std::size_t workingSet = 0;
   std::uint64_t heap = 0;
@@ -407,6 +506,8 @@ int wmain(int argc, wchar_t** argv) {
   }
   const PublishedState state;
   try {
+    BenchProfile(state);
+    std::fflush(stdout);
     BenchQuietTick(state);
     std::fflush(stdout);
     BenchRemeasure(state);

@@ -23,6 +23,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench_util.h"
@@ -31,6 +32,7 @@
 #include "headroom.h"
 #include "namespace_host.h"
 #include "platform/handles.h"
+#include "platform/work_profile.h"
 #include "platform/module_path.h"
 
 namespace {
@@ -76,6 +78,18 @@ class AddIn {
     m_live = reinterpret_cast<Counter>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneLiveObjects")));
     m_locks = reinterpret_cast<Counter>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneModuleLocks")));
     m_canUnload = reinterpret_cast<CanUnloadFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "DllCanUnloadNow")));
+    m_tally = reinterpret_cast<TallyFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneWorkTally")));
+    m_reuse = reinterpret_cast<ReuseFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneSetPictureReuse")));
+  }
+  void SetPictureReuse(bool reuse) const {
+    if (m_reuse != nullptr) m_reuse(reuse ? TRUE : FALSE);
+  }
+  // The add-in's work profile: per kind, its count and microseconds.
+  std::vector<std::pair<LONGLONG, LONGLONG>> Work() const {
+    std::vector<std::pair<LONGLONG, LONGLONG>> kinds;
+    LONGLONG count = 0, micros = 0;
+    while (m_tally != nullptr && m_tally(static_cast<int>(kinds.size()), &count, &micros)) kinds.emplace_back(count, micros);
+    return kinds;
   }
   bool Ok() const noexcept { return m_live != nullptr && m_locks != nullptr && m_canUnload != nullptr; }
   const std::wstring& Path() const noexcept { return m_path; }
@@ -86,6 +100,8 @@ class AddIn {
  private:
   using Counter = LONG(WINAPI*)();
   using CanUnloadFn = HRESULT(WINAPI*)();
+  using TallyFn = BOOL(WINAPI*)(int, LONGLONG*, LONGLONG*);
+  using ReuseFn = void(WINAPI*)(BOOL);
   // Held for the whole run: each host's own load and unload then only moves the reference count, so
   // the counters stay readable between cycles.
   corvane::unique_hmodule m_module;
@@ -93,6 +109,8 @@ class AddIn {
   Counter m_live = nullptr;
   Counter m_locks = nullptr;
   CanUnloadFn m_canUnload = nullptr;
+  TallyFn m_tally = nullptr;
+  ReuseFn m_reuse = nullptr;
 };
 
 struct Snapshot {
@@ -207,6 +225,27 @@ void ViewCycles(const AddIn& addIn, int cycles) {
   // GDI+, the prompt's pictures and the window classes come once, on either side.
   for (int i = 0; i < 5; ++i) ours();
   floor();
+  // d. Where one view's time goes: the add-in's work profile per cycle, and the cycle against its
+  // floor, with the decoded-picture cache off (every picture decoded from its file, as before the
+  // cache) and on, in this one run.
+  for (const bool reuse : {false, true}) {
+    addIn.SetPictureReuse(reuse);
+    ours();
+    const auto w0 = addIn.Work();
+    std::vector<double> o, f;
+    bench::Interleave(20, ours, floor, o, f);
+    const auto w1 = addIn.Work();
+    std::printf("view profile, picture reuse %s, per cycle (20 cycles): median %.1f ms, floor %.1f ms, ratio %.1f;",
+                reuse ? "on" : "off", bench::Median(o) / 1000.0, bench::Median(f) / 1000.0,
+                bench::Median(f) > 0 ? bench::Median(o) / bench::Median(f) : 0.0);
+    for (size_t k = 0; k < w1.size() && k < w0.size(); ++k) {
+      const LONGLONG count = w1[k].first - w0[k].first;
+      if (count == 0) continue;
+      std::printf(" %ls %.1f (%.2f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(k)), count / 20.0,
+                  (w1[k].second - w0[k].second) / 20000.0);
+    }
+    std::printf("\n");
+  }
   const Snapshot before = Take(addIn);
   std::vector<double> oursSamples, floorSamples;
   const double start = bench::NowMicroseconds();

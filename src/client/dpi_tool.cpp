@@ -6,6 +6,7 @@
 
 #include "core/command_line.h"
 #include "platform/module_path.h"
+#include "platform/work_profile.h"
 
 namespace cx {
 
@@ -16,6 +17,7 @@ std::wstring startDpiTool(HWND hwnd) noexcept {
     const std::wstring parameters =
         corvane::core::DpiToolParameters(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(hwnd)));
     // Nothing depends on the tool having run: the zoom simply keeps its last published value.
+    const corvane::profile::Timed timed(corvane::profile::Work::ProcessStart);
     static_cast<void>(
         ::ShellExecuteW(nullptr, L"open", exe.c_str(), parameters.c_str(), folder.c_str(), SW_SHOWNORMAL));
     return exe;

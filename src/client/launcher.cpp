@@ -10,6 +10,7 @@
 #include "core/launch_gate.h"
 #include "log/logger.h"
 #include "platform/module_path.h"
+#include "platform/work_profile.h"
 
 namespace cx {
 
@@ -36,6 +37,7 @@ std::wstring Launch(const std::wstring& parameters) {
   const std::wstring exe = folder + kClientExe;
   // A missing client is not detected here: the command is simply lost, as the client would have
   // lost it had it been unable to start.
+  const corvane::profile::Timed timed(corvane::profile::Work::ProcessStart);
   static_cast<void>(::ShellExecuteW(nullptr, L"open", exe.c_str(), parameters.empty() ? nullptr : parameters.c_str(),
                                     folder.c_str(), SW_SHOWNORMAL));
   return exe + parameters;

@@ -5,6 +5,7 @@
 #include "client/reg_util_key.h"
 #include "core/numbers.h"
 #include "platform/handles.h"
+#include "platform/work_profile.h"
 
 namespace regUtil {
 
@@ -50,6 +51,7 @@ std::uint32_t ReadRegistryDword(const std::wstring& subkey, const std::wstring& 
   DWORD value = 0;
   DWORD size = sizeof(value);
   // No type test: any four bytes are taken as the number.
+  const corvane::profile::Timed timed(corvane::profile::Work::RegistryRead);
   if (::RegQueryValueExW(key.get(), name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size) !=
           ERROR_SUCCESS ||
       size != sizeof(value)) {

@@ -3,6 +3,7 @@
 #include <cwchar>
 
 #include "log/logger.h"
+#include "platform/work_profile.h"
 
 namespace regUtil {
 
@@ -18,6 +19,7 @@ std::optional<DWORD> CReadKey::ValueSize(const wchar_t* name) const noexcept {
   if (!m_key) return std::nullopt;
   DWORD type = 0;
   DWORD size = 0;
+  const corvane::profile::Timed timed(corvane::profile::Work::RegistryRead);
   if (::RegQueryValueExW(m_key.get(), name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS) return std::nullopt;
   return size;
 }
@@ -32,6 +34,7 @@ std::wstring CReadKey::ReadText(const wchar_t* name, std::optional<DWORD> knownS
   const std::size_t half = size / 2;
   std::wstring buffer(half + 2, L'\0');
   DWORD read = size;
+  const corvane::profile::Timed timed(corvane::profile::Work::RegistryRead);
   if (::RegQueryValueExW(m_key.get(), name, nullptr, nullptr, reinterpret_cast<BYTE*>(buffer.data()), &read) !=
       ERROR_SUCCESS) {
     return std::wstring();

@@ -2,11 +2,14 @@
 
 #include <cwchar>
 
+#include "platform/work_profile.h"
+
 namespace theme {
 
 bool IsDarkTheme() noexcept {
   DWORD value = 1;
   DWORD size = sizeof(value);
+  const corvane::profile::Timed timed(corvane::profile::Work::RegistryRead);
   const LSTATUS status = ::RegGetValueW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Windows\\CurrentVersion\\Themes\\Personalize",
                                         L"AppsUseLightTheme", RRF_RT_REG_DWORD, nullptr, &value, &size);
   return status == ERROR_SUCCESS && value == 0;

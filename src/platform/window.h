@@ -24,6 +24,7 @@
 
 #include "platform/errors.h"
 #include "platform/module_path.h"
+#include "platform/work_profile.h"
 
 namespace corvane {
 
@@ -72,6 +73,7 @@ class Window {
       cx = rect->right - rect->left;
       cy = rect->bottom - rect->top;
     }
+    const profile::Timed timed(profile::Work::WindowCreate);
     return ::CreateWindowExW(exStyle, Derived::kClassName, text, style, x, y, cx, cy, parent,
                              reinterpret_cast<HMENU>(id), ThisModule(), static_cast<Derived*>(this));
   }
@@ -109,6 +111,7 @@ class Window {
     LRESULT result = 0;
     bool handled = false;
     try {
+      const profile::Timed timed(message == WM_PAINT ? profile::Work::Paint : profile::Work::kCount);
       handled = self->Dispatch(message, wParam, lParam, result);
     } catch (...) {
       // Nothing may leave a window procedure; the message falls back to default processing.

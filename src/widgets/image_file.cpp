@@ -1,5 +1,7 @@
 #include "widgets/image_file.h"
 
+#include "platform/work_profile.h"
+
 #include <shlwapi.h>
 
 #include <vector>
@@ -29,6 +31,7 @@ bool ReadWholeFile(const std::wstring& path, std::vector<BYTE>& bytes) {
 }  // namespace
 
 bool CImageFile::Open(const std::wstring& path) {
+  const corvane::profile::Timed timed(corvane::profile::Work::Decode);
   m_bitmap.reset();
   m_stream.Reset();
   std::vector<BYTE> bytes;

@@ -1,13 +1,19 @@
 #include "widgets/image_helpers.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <cstring>
 #include <cwchar>
+#include <mutex>
 #include <vector>
 
 #include "client/registry.h"
+#include "platform/work_profile.h"
+#include "widgets/decoded_pictures.h"
 #include "widgets/font_maker.h"
 #include "widgets/image_file.h"
+#include "widgets/render_ledger.h"
 
 namespace imageutil {
 
@@ -16,6 +22,22 @@ namespace {
 using Gdiplus::Ok;
 
 constexpr Gdiplus::REAL kDpi = 96.0f;
+
+// The PNG encoder's class: GDI+'s built-in codecs keep their CLSIDs across a shutdown and restart,
+// so it is looked up until found once and then kept for the process.
+const CLSID* PngEncoder() {
+  static CLSID found{};
+  static std::atomic<bool> known{false};
+  if (known.load()) return &found;
+  CLSID clsid{};
+  if (GetEncoderClsid(L"image/png", &clsid) < 0) return nullptr;
+  static std::once_flag once;
+  std::call_once(once, [&] {
+    found = clsid;
+    known.store(true);
+  });
+  return &found;
+}
 
 // A blank 32-bit picture at 96 DPI with a graphics on it, cleared to transparent.
 struct Canvas {
@@ -33,16 +55,33 @@ struct Canvas {
 
   // The graphics goes first: GDI+ wants it released before its bitmap is saved or freed.
   bool SavePng(const std::wstring& path) {
+    const corvane::profile::Timed timed(corvane::profile::Work::FileWrite);
     graphics.reset();
-    CLSID png{};
-    if (GetEncoderClsid(L"image/png", &png) < 0) return false;
-    return bitmap->Save(path.c_str(), &png, nullptr) == Ok;
+    const CLSID* png = PngEncoder();
+    if (png == nullptr) return false;
+    return bitmap->Save(path.c_str(), png, nullptr) == Ok;
   }
 };
+
+// Exact text of a number's bits: inputs that differ in the last bit are different inputs.
+template <class T>
+std::wstring Bits(T value) {
+  std::uint64_t bits = 0;
+  static_assert(sizeof(T) <= sizeof(bits));
+  std::memcpy(&bits, &value, sizeof(T));
+  return std::to_wstring(bits);
+}
+
+// The work itself; the public helpers first ask the ledger whether it is needed.
+bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std::wstring& outPath);
+std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath, const std::wstring& outPath,
+                     int overlap, int rightYOffset);
+bool Stretch(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height);
 
 }  // namespace
 
 int GetEncoderClsid(const wchar_t* mimeType, CLSID* clsid) {
+  const corvane::profile::Timed timed(corvane::profile::Work::EncoderLookup);
   if (mimeType == nullptr || clsid == nullptr) return -1;
   UINT count = 0, bytes = 0;
   if (Gdiplus::GetImageEncodersSize(&count, &bytes) != Ok || bytes == 0) return -1;
@@ -66,12 +105,25 @@ bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
   regUtil::getDpiZoom(style.zoomWindow, zoom);  // nothing published: the zoom stays 1.0
   const double emSize = static_cast<double>(style.fontSize) * zoom;
 
+  const std::wstring inputs = L"text|" + style.text + L"|" + style.fontName + L"|" + std::to_wstring(style.color) + L"|" +
+                              Bits(style.fontSize) + L"|" + std::to_wstring(style.fontStyle) + L"|" + Bits(style.padX) +
+                              L"|" + Bits(style.padY) + L"|" + Bits(emSize);
+  const auto writing = LockPictureWrites();
+  if (IsCurrent(outPath, inputs)) return true;
+  const bool written = RenderCaption(style, static_cast<Gdiplus::REAL>(emSize), outPath);
+  Record(outPath, inputs, written);
+  return written;
+}
+
+namespace {
+
+bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std::wstring& outPath) {
+  const corvane::profile::Timed timed(corvane::profile::Work::CaptionRender);
   Gdiplus::Bitmap probe(1, 1, PixelFormat32bppARGB);
   if (probe.GetLastStatus() != Ok) return false;
   Gdiplus::Graphics measure(&probe);
   if (measure.GetLastStatus() != Ok) return false;
-  const std::unique_ptr<Gdiplus::Font> font =
-      MakeFont(style.fontName, static_cast<Gdiplus::REAL>(emSize), style.fontStyle, Gdiplus::UnitPixel);
+  const std::unique_ptr<Gdiplus::Font> font = MakeFont(style.fontName, emSize, style.fontStyle, Gdiplus::UnitPixel);
   if (!font) return false;
   Gdiplus::RectF bounds;
   if (measure.MeasureString(style.text.c_str(), -1, font.get(), Gdiplus::PointF(0.0f, 0.0f), &bounds) != Ok) return false;
@@ -90,8 +142,44 @@ bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
   return canvas.SavePng(outPath);
 }
 
+}  // namespace
+
 std::wstring CombinePngHorizontally(const std::wstring& leftPath, const std::wstring& rightPath,
                                     const std::wstring& outPath, int overlap, int rightYOffset) {
+  const std::wstring inputs = L"join|" + leftPath + L"|" + StampText(StampOf(leftPath)) + L"|" + rightPath + L"|" +
+                              StampText(StampOf(rightPath)) + L"|" + std::to_wstring(overlap) + L"|" +
+                              std::to_wstring(rightYOffset);
+  const auto writing = LockPictureWrites();
+  if (IsCurrent(outPath, inputs)) return outPath;
+  std::wstring result = Combine(leftPath, rightPath, outPath, overlap, rightYOffset);
+  Record(outPath, inputs, !result.empty());
+  return result;
+}
+
+bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
+  const std::wstring inputs = L"stretch|" + srcPath + L"|" + StampText(StampOf(srcPath)) + L"|" +
+                              std::to_wstring(width) + L"|" + std::to_wstring(height);
+  const auto writing = LockPictureWrites();
+  if (IsCurrent(dstPath, inputs)) return true;
+  const bool written = Stretch(srcPath, dstPath, width, height);
+  Record(dstPath, inputs, written);
+  return written;
+}
+
+bool GetImageSize(const std::wstring& path, UINT& width, UINT& height) {
+  const corvane::profile::Timed timed(corvane::profile::Work::SizeQuery);
+  const std::shared_ptr<const DecodedPicture> picture = DecodedPictureOf(path);
+  if (!picture) return false;
+  width = picture->width;
+  height = picture->height;
+  return true;
+}
+
+namespace {
+
+std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath, const std::wstring& outPath,
+                     int overlap, int rightYOffset) {
+  const corvane::profile::Timed timed(corvane::profile::Work::Join);
   CImageFile left, right;
   if (!left.Open(leftPath) || !right.Open(rightPath)) return {};
   const INT leftWidth = static_cast<INT>(left.Width()), leftHeight = static_cast<INT>(left.Height());
@@ -112,15 +200,8 @@ std::wstring CombinePngHorizontally(const std::wstring& leftPath, const std::wst
   return outPath;
 }
 
-bool GetImageSize(const std::wstring& path, UINT& width, UINT& height) {
-  CImageFile file;
-  if (!file.Open(path)) return false;
-  width = file.Width();
-  height = file.Height();
-  return true;
-}
-
-bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
+bool Stretch(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
+  const corvane::profile::Timed timed(corvane::profile::Work::Stretch);
   if (::GetFileAttributesW(srcPath.c_str()) == INVALID_FILE_ATTRIBUTES) {
     const DWORD error = ::GetLastError();
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return false;
@@ -137,5 +218,7 @@ bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, 
   }
   return canvas.SavePng(dstPath);
 }
+
+}  // namespace
 
 }  // namespace imageutil

@@ -1,9 +1,11 @@
 #include "widgets/png_picture.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 
-#include "widgets/image_file.h"
+#include "widgets/decoded_pictures.h"
 
 namespace imageutil {
 
@@ -26,14 +28,14 @@ corvane::unique_hbitmap CreateTopDownDib(int width, int height, void*& bits) {
 }  // namespace
 
 corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
-  CImageFile file;
-  if (!file.Open(path)) return {};
-  const int width = static_cast<int>(file.Width()), height = static_cast<int>(file.Height());
+  const std::shared_ptr<const DecodedPicture> decoded = DecodedPictureOf(path);
+  if (!decoded) return {};
   void* bits = nullptr;
-  corvane::unique_hbitmap picture = CreateTopDownDib(width, height, bits);
+  corvane::unique_hbitmap picture =
+      CreateTopDownDib(static_cast<int>(decoded->width), static_cast<int>(decoded->height), bits);
   if (!picture) return {};
-  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours.
-  if (!file.CopyPixels(PixelFormat32bppPARGB, bits, width * 4)) return {};
+  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours, which the decoded pixels are.
+  std::memcpy(bits, decoded->premultiplied.data(), decoded->premultiplied.size() * sizeof(std::uint32_t));
   return picture;
 }
 

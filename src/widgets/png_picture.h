@@ -1,7 +1,8 @@
 #pragma once
-// Pictures for painting: a PNG loaded once into a premultiplied 32-bit DIB section, drawn with its
-// per-pixel transparency by AlphaBlend. The file is not kept open, so it can be re-rendered while
-// a button shows the old picture.
+// Pictures for painting: a PNG loaded into a premultiplied 32-bit DIB section of the caller's own
+// (the decoded pixels are shared process-wide while the file is unchanged), drawn with its per-pixel
+// transparency by AlphaBlend. The file is not kept open, so it can be re-rendered while a button
+// shows the old picture.
 #include <windows.h>
 
 #include <string>

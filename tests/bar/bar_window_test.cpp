@@ -4,9 +4,15 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <tuple>
 
+#include "log_files.h"
 #include "platform/handles.h"
+#include "platform/module_path.h"
+#include "platform/work_profile.h"
+#include "widgets/render_ledger.h"
 #include "widgets/image_helpers.h"
 
 namespace bartest {
@@ -318,6 +324,75 @@ TEST_F(BarTest, RightGroupPlacementCacheIsSharedByAllBars) {
   EXPECT_EQ(rightLeft(second), 1100 - r) << "another width is placed";
   placeFromAway(first);
   EXPECT_EQ(rightLeft(first), 1000 - r) << "the pair now holds the second bar's placement";
+}
+
+// The picture ledger leaves a file alone only when it already holds what the same inputs write:
+// the same windows, zoom, theme and figure changes, run with the ledger off and on, leave every
+// CorvaneSkin file byte for byte the same after every step.
+TEST_F(BarTest, SkippedRendersLeaveTheSameBytesAsRenderingEverything) {
+  using Files = std::map<std::wstring, std::vector<std::uint8_t>>;
+  const auto snapshot = [] {
+    Files files;
+    const std::wstring folder = corvane::ThisModuleFolder() + L"CorvaneSkin";
+    for (const std::wstring& name : logtest::FilesIn(folder)) files[name] = logtest::ReadBytes(folder + L"\\" + name);
+    return files;
+  };
+  const auto run = [&](bool reuse) {
+    imageutil::SetReuse(false);  // forgets what was recorded
+    imageutil::SetReuse(reuse);
+    SetDarkTheme(false);
+    PublishSpace(4 * kGiB, kGiB);
+    PublishAdvertising(L"a1", L"title-1");
+    std::vector<Files> steps;
+    auto first = std::make_unique<HostedBar>(1200);
+    PublishZoom(first->owner.GetExplorerHwnd(), L"1.0");
+    EXPECT_TRUE(first->Start());
+    steps.push_back(snapshot());
+    auto second = std::make_unique<HostedBar>(900);
+    EXPECT_TRUE(second->Start());
+    steps.push_back(snapshot());
+    PublishZoom(first->owner.GetExplorerHwnd(), L"1.25");
+    first->Tick();
+    Pump();
+    steps.push_back(snapshot());
+    SetDarkTheme(true);
+    PublishSpace(4 * kGiB, 4 * kGiB - 100 * kMiB);
+    first->Tick();
+    second->Tick();
+    Pump();
+    steps.push_back(snapshot());
+    PublishZoom(first->owner.GetExplorerHwnd(), L"1.0");
+    first->Tick();
+    Pump();
+    steps.push_back(snapshot());
+    second.reset();
+    SetDarkTheme(false);
+    auto third = std::make_unique<HostedBar>(1400);
+    EXPECT_TRUE(third->Start());
+    steps.push_back(snapshot());
+    return steps;
+  };
+  using corvane::profile::Work;
+  const auto reuses = [] { return corvane::profile::Get(Work::PictureReused).count; };
+  const auto r0 = reuses();
+  const std::vector<Files> rendered = run(false);
+  const auto r1 = reuses();
+  const std::vector<Files> reused = run(true);
+  const auto r2 = reuses();
+  EXPECT_EQ(r1, r0) << "nothing is reused with the ledger off";
+  EXPECT_GT(r2 - r1, 20) << "the second bar and the re-measures reuse their unchanged pictures";
+  imageutil::SetReuse(true);
+  ASSERT_EQ(rendered.size(), reused.size());
+  for (size_t step = 0; step < rendered.size(); ++step) {
+    ASSERT_EQ(rendered[step].size(), reused[step].size()) << "step " << step;
+    for (const auto& [name, bytes] : rendered[step]) {
+      const auto found = reused[step].find(name);
+      ASSERT_NE(found, reused[step].end()) << logtest::Utf8(name) << ", step " << step;
+      EXPECT_TRUE(found->second == bytes) << logtest::Utf8(name) << " differs after step " << step;
+    }
+  }
+  // Not vacuous: the steps rewrote pictures.
+  EXPECT_NE(rendered.front().at(L"Expand.png"), rendered[2].at(L"Expand.png")) << "1.25 re-rendered the expand label";
 }
 
 }  // namespace
