@@ -324,13 +324,13 @@ struct Floor {
   double wall = 0;  // median
 };
 
-Floor MeasureFloor(long wineserver) {
+Floor MeasureFloor(long wineserver, PCIDLIST_ABSOLUTE folder) {
   constexpr int kPolls = 1000;
   std::vector<double> samples;
   const auto self0 = CpuMicroseconds(L"self"), server0 = CpuMicroseconds(wineserver);
   for (int i = 0; i < kPolls; ++i) {
     const double t0 = bench::NowMicroseconds();
-    bench::registry_floor::FloorPoll();
+    bench::registry_floor::FloorPoll(folder);
     samples.push_back(bench::NowMicroseconds() - t0);
   }
   const auto self1 = CpuMicroseconds(L"self"), server1 = CpuMicroseconds(wineserver);
@@ -342,24 +342,15 @@ Floor MeasureFloor(long wineserver) {
 }
 
 void BenchSteadyState(const Bed& bed, Explorer& explorer, const Options& options) {
-  const Floor measured = MeasureFloor(bed.wineserver);
-  const double floor = measured.cpu;
-  // Not part of the floor, which is registry reads only: the folder check also turns the view's
-  // folder into a path each second.
+  // The floor includes the folder check's shell work: the view's folder as an ID list, turned into
+  // a path each second.
   corvane::unique_pidl pidl;
-  std::vector<double> pathSamples;
-  if (SUCCEEDED(::SHParseDisplayName(bed.sync.c_str(), nullptr, pidl.put(), 0, nullptr))) {
-    for (int i = 0; i < 1000; ++i) {
-      wchar_t path[MAX_PATH] = {};
-      const double t0 = bench::NowMicroseconds();
-      ::SHGetPathFromIDListW(pidl.get(), path);
-      pathSamples.push_back(bench::NowMicroseconds() - t0);
-    }
-  }
+  static_cast<void>(::SHParseDisplayName(bed.sync.c_str(), nullptr, pidl.put(), 0, nullptr));
+  const Floor measured = MeasureFloor(bed.wineserver, pidl.get());
+  const double floor = measured.cpu;
   std::printf("registry floor: %.1f us CPU per window-second (this process and the Wine server over 1000"
-              " hand-written polls; wall median %.1f us); for reference, one SHGetPathFromIDListW of the sync"
-              " folder %.1f us wall\n",
-              floor, measured.wall, bench::Median(pathSamples));
+              " hand-written polls, the folder's ID list turned into a path included; wall median %.1f us)\n",
+              floor, measured.wall);
   std::printf("steady state, %d s per sample, CPU per second (stand-in + Wine server; Xvfb not counted):\n", options.seconds);
   for (const int n : options.windows) {
     const auto without = SteadyState(bed, explorer, n, false, options.seconds);

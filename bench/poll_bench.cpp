@@ -51,7 +51,7 @@ int wmain() {
     OurPoll();
     FloorPoll();
   }
-  bench::Interleave(2000, OurPoll, FloorPoll, ours, floor);
+  bench::Interleave(2000, OurPoll, [] { FloorPoll(); }, ours, floor);
   delete g_pLogger;
   g_pLogger = nullptr;
   ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str());

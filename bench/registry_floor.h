@@ -1,8 +1,11 @@
 #pragma once
 // The registry floor: the bare registry opens and queries, file-attribute checks and debugger lines
 // that one window's second of polling needs (the bar's client-state tick and the folder check),
-// written by hand. Benchmarks compare the add-in's own cost against it in the same run.
+// written by hand, and, where the caller gives the folder's ID list, the folder check's own shell
+// work: a copy of the ID list (as IPersistFolder2::GetCurFolder hands one out) turned into a path.
+// Benchmarks compare the add-in's own cost against it in the same run.
 #include <windows.h>
+#include <shlobj.h>
 
 #include <cstdio>
 #include <ctime>
@@ -62,7 +65,7 @@ struct FloorReader {
   }
 };
 
-inline void FloorPoll() {
+inline void FloorPoll(PCIDLIST_ABSOLUTE folder = nullptr) {
   {  // current user
     corvane::unique_hkey root;
     ::RegOpenKeyExW(HKEY_CURRENT_USER, kRoot.c_str(), 0, KEY_READ, root.put());
@@ -99,6 +102,11 @@ inline void FloorPoll() {
     const std::wstring sync = Query(r.user.get(), L"syncPath");
     DebugLine(L"syncPath = %s", sync);
     ::GetFileAttributesW(sync.c_str());
+    if (folder != nullptr) {
+      const corvane::unique_pidl copy(::ILCloneFull(folder));
+      wchar_t path[MAX_PATH] = {};
+      ::SHGetPathFromIDListW(copy.get(), path);
+    }
   }
 }
 
