@@ -2,7 +2,8 @@
 // Picture files decoded once per process and shared: every Explorer window shows the same skin
 // pictures, and decoding a PNG costs far more than copying its pixels. An entry is keyed by the
 // file's full path, size and last-write time, so a file that changed on disk is read and decoded
-// again; nothing is kept past a fixed number of pixel bytes.
+// again; a picture this process has just written is entered as it was drawn, so it is not decoded
+// back. Nothing is kept past a fixed number of pixel bytes.
 #include <windows.h>
 
 #include <cstdint>
@@ -10,16 +11,23 @@
 #include <string>
 #include <vector>
 
+#include "platform/gdiplus_headers.h"
+
 namespace imageutil {
 
 struct DecodedPicture {
   UINT width = 0;
   UINT height = 0;
-  std::vector<std::uint32_t> premultiplied;  // top-down rows of 32-bit PARGB, as AlphaBlend wants them
+  std::vector<std::uint32_t> argb;  // top-down rows of 32-bit ARGB, as the PNG decoder hands them out
+
+  // A GDI+ bitmap over these pixels (no copy), drawn and converted exactly like the decoded file.
+  std::unique_ptr<Gdiplus::Bitmap> View() const;
 };
 
 // The picture in the file as it is now; null when it cannot be read or decoded.
 std::shared_ptr<const DecodedPicture> DecodedPictureOf(const std::wstring& path) noexcept;
+// After `picture` was saved to path: enters its pixels under the file's new stamp.
+void EnterWrittenPicture(const std::wstring& path, Gdiplus::Bitmap& picture) noexcept;
 void ForgetDecodedPictures() noexcept;
 
 }  // namespace imageutil

@@ -12,7 +12,6 @@
 #include "platform/work_profile.h"
 #include "widgets/decoded_pictures.h"
 #include "widgets/font_maker.h"
-#include "widgets/image_file.h"
 #include "widgets/render_ledger.h"
 
 namespace imageutil {
@@ -58,8 +57,10 @@ struct Canvas {
     const corvane::profile::Timed timed(corvane::profile::Work::FileWrite);
     graphics.reset();
     const CLSID* png = PngEncoder();
-    if (png == nullptr) return false;
-    return bitmap->Save(path.c_str(), png, nullptr) == Ok;
+    if (png == nullptr || bitmap->Save(path.c_str(), png, nullptr) != Ok) return false;
+    // What was drawn is what the file now holds: a later load need not decode it back.
+    EnterWrittenPicture(path, *bitmap);
+    return true;
   }
 };
 
@@ -180,10 +181,14 @@ namespace {
 std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath, const std::wstring& outPath,
                      int overlap, int rightYOffset) {
   const corvane::profile::Timed timed(corvane::profile::Work::Join);
-  CImageFile left, right;
-  if (!left.Open(leftPath) || !right.Open(rightPath)) return {};
-  const INT leftWidth = static_cast<INT>(left.Width()), leftHeight = static_cast<INT>(left.Height());
-  const INT rightWidth = static_cast<INT>(right.Width()), rightHeight = static_cast<INT>(right.Height());
+  const std::shared_ptr<const DecodedPicture> leftPicture = DecodedPictureOf(leftPath);
+  if (!leftPicture) return {};
+  const std::shared_ptr<const DecodedPicture> rightPicture = DecodedPictureOf(rightPath);
+  if (!rightPicture) return {};
+  const std::unique_ptr<Gdiplus::Bitmap> left = leftPicture->View(), right = rightPicture->View();
+  if (!left || !right) return {};
+  const INT leftWidth = static_cast<INT>(leftPicture->width), leftHeight = static_cast<INT>(leftPicture->height);
+  const INT rightWidth = static_cast<INT>(rightPicture->width), rightHeight = static_cast<INT>(rightPicture->height);
   if (overlap > leftWidth) overlap = 0;
 
   const INT width = leftWidth + rightWidth - overlap;
@@ -207,13 +212,15 @@ bool Stretch(const std::wstring& srcPath, const std::wstring& dstPath, int width
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return false;
     // Any other error (access, sharing) goes on: the load decides.
   }
-  CImageFile source;
-  if (!source.Open(srcPath)) return false;
+  const std::shared_ptr<const DecodedPicture> picture = DecodedPictureOf(srcPath);
+  if (!picture) return false;
+  const std::unique_ptr<Gdiplus::Bitmap> source = picture->View();
+  if (!source) return false;
   Canvas canvas;
   if (!canvas.Create(width, height)) return false;
   const Gdiplus::Rect target(0, 0, width, height);
-  if (canvas.graphics->DrawImage(source.get(), target, 0, 0, static_cast<INT>(source.Width()),
-                                 static_cast<INT>(source.Height()), Gdiplus::UnitPixel) != Ok) {
+  if (canvas.graphics->DrawImage(source.get(), target, 0, 0, static_cast<INT>(picture->width),
+                                 static_cast<INT>(picture->height), Gdiplus::UnitPixel) != Ok) {
     return false;
   }
   return canvas.SavePng(dstPath);

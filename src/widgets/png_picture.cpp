@@ -1,7 +1,6 @@
 #include "widgets/png_picture.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <memory>
 
@@ -30,12 +29,25 @@ corvane::unique_hbitmap CreateTopDownDib(int width, int height, void*& bits) {
 corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
   const std::shared_ptr<const DecodedPicture> decoded = DecodedPictureOf(path);
   if (!decoded) return {};
+  const std::unique_ptr<Gdiplus::Bitmap> view = decoded->View();
+  if (!view) return {};
+  const INT width = static_cast<INT>(decoded->width), height = static_cast<INT>(decoded->height);
   void* bits = nullptr;
-  corvane::unique_hbitmap picture =
-      CreateTopDownDib(static_cast<int>(decoded->width), static_cast<int>(decoded->height), bits);
+  corvane::unique_hbitmap picture = CreateTopDownDib(width, height, bits);
   if (!picture) return {};
-  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours, which the decoded pixels are.
-  std::memcpy(bits, decoded->premultiplied.data(), decoded->premultiplied.size() * sizeof(std::uint32_t));
+  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours: GDI+ converts into the DIB's bits.
+  const Gdiplus::Rect whole(0, 0, width, height);
+  Gdiplus::BitmapData data{};
+  data.Width = decoded->width;
+  data.Height = decoded->height;
+  data.Stride = width * 4;
+  data.PixelFormat = PixelFormat32bppPARGB;
+  data.Scan0 = bits;
+  if (view->LockBits(&whole, Gdiplus::ImageLockModeRead | Gdiplus::ImageLockModeUserInputBuf, PixelFormat32bppPARGB,
+                     &data) != Gdiplus::Ok ||
+      view->UnlockBits(&data) != Gdiplus::Ok) {
+    return {};
+  }
   return picture;
 }
 
