@@ -17,7 +17,7 @@ struct Entry {
 };
 
 // The bar's and the prompt's pictures together stay well below this; past it the cache starts afresh.
-constexpr std::size_t kMaxPixelBytes = 32u << 20;
+constexpr std::size_t kMaxPixelBytes = 24u << 20;
 
 std::mutex g_lock;
 std::size_t g_pixelBytes = 0;
@@ -75,6 +75,29 @@ std::unique_ptr<Gdiplus::Bitmap> DecodedPicture::View() const {
                                                 reinterpret_cast<BYTE*>(const_cast<std::uint32_t*>(argb.data())));
   if (view->GetLastStatus() != Gdiplus::Ok) return nullptr;
   return view;
+}
+
+const std::vector<std::uint32_t>* DecodedPicture::Premultiplied() const {
+  std::call_once(m_premultiplyOnce, [this] {
+    const std::unique_ptr<Gdiplus::Bitmap> view = View();
+    if (!view) return;
+    std::vector<std::uint32_t> pixels(argb.size());
+    const Gdiplus::Rect whole(0, 0, static_cast<INT>(width), static_cast<INT>(height));
+    Gdiplus::BitmapData data{};
+    data.Width = width;
+    data.Height = height;
+    data.Stride = static_cast<INT>(width * 4);
+    data.PixelFormat = PixelFormat32bppPARGB;
+    data.Scan0 = pixels.data();
+    if (view->LockBits(&whole, Gdiplus::ImageLockModeRead | Gdiplus::ImageLockModeUserInputBuf, PixelFormat32bppPARGB,
+                       &data) != Gdiplus::Ok ||
+        view->UnlockBits(&data) != Gdiplus::Ok) {
+      return;
+    }
+    m_premultiplied = std::move(pixels);
+    m_premultipliedOk = true;
+  });
+  return m_premultipliedOk ? &m_premultiplied : nullptr;
 }
 
 std::shared_ptr<const DecodedPicture> DecodedPictureOf(const std::wstring& path) noexcept try {

@@ -1,8 +1,10 @@
 #include "widgets/png_picture.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "widgets/decoded_pictures.h"
 
@@ -27,28 +29,21 @@ corvane::unique_hbitmap CreateTopDownDib(int width, int height, void*& bits) {
 }  // namespace
 
 corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
-  const std::shared_ptr<const DecodedPicture> decoded = DecodedPictureOf(path);
-  if (!decoded) return {};
-  const std::unique_ptr<Gdiplus::Bitmap> view = decoded->View();
-  if (!view) return {};
-  const INT width = static_cast<INT>(decoded->width), height = static_cast<INT>(decoded->height);
-  void* bits = nullptr;
-  corvane::unique_hbitmap picture = CreateTopDownDib(width, height, bits);
-  if (!picture) return {};
-  // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours: GDI+ converts into the DIB's bits.
-  const Gdiplus::Rect whole(0, 0, width, height);
-  Gdiplus::BitmapData data{};
-  data.Width = decoded->width;
-  data.Height = decoded->height;
-  data.Stride = width * 4;
-  data.PixelFormat = PixelFormat32bppPARGB;
-  data.Scan0 = bits;
-  if (view->LockBits(&whole, Gdiplus::ImageLockModeRead | Gdiplus::ImageLockModeUserInputBuf, PixelFormat32bppPARGB,
-                     &data) != Gdiplus::Ok ||
-      view->UnlockBits(&data) != Gdiplus::Ok) {
+  try {
+    const std::shared_ptr<const DecodedPicture> decoded = DecodedPictureOf(path);
+    if (!decoded) return {};
+    // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours.
+    const std::vector<std::uint32_t>* premultiplied = decoded->Premultiplied();
+    if (premultiplied == nullptr) return {};
+    void* bits = nullptr;
+    corvane::unique_hbitmap picture =
+        CreateTopDownDib(static_cast<int>(decoded->width), static_cast<int>(decoded->height), bits);
+    if (!picture) return {};
+    std::memcpy(bits, premultiplied->data(), premultiplied->size() * sizeof(std::uint32_t));
+    return picture;
+  } catch (...) {
     return {};
   }
-  return picture;
 }
 
 corvane::unique_hbitmap CopyPngBitmap(HBITMAP picture) {
