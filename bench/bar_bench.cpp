@@ -475,14 +475,24 @@ void BenchSoak(const PublishedState& state, int cycles, int changes) {
   std::fflush(stdout);
 
   int shown = 0;
+  const WorkReading w0 = WorkReading::Now();
   const double s0 = bench::NowMicroseconds();
   for (int i = 0; i < changes; ++i) shown += CapacityChange(state, bar, host.Bar(), 20 + i, changeSamples) ? 1 : 0;
   const double changeSeconds = (bench::NowMicroseconds() - s0) / 1e6;
+  const WorkReading w1 = WorkReading::Now();
   const Footprint afterChanges = Measure();
 
   std::printf("capacity changes: %d (published figures, tick, SetSpace, re-render, repaint), %d re-rendered and shown,"
               " %.1f ms median per change, %.1f s in all\n",
               changes, shown, bench::Median(changeSamples), changeSeconds);
+  std::printf("  per change:");
+  for (int i = 0; i < static_cast<int>(corvane::profile::Work::kCount); ++i) {
+    const auto count = w1.tally[i].count - w0.tally[i].count;
+    if (count == 0) continue;
+    std::printf(" %ls %.1f (%.2f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(i)),
+                static_cast<double>(count) / changes, (w1.tally[i].microseconds - w0.tally[i].microseconds) / 1000.0 / changes);
+  }
+  std::printf("\n");
   PrintGrowth(afterCycles, afterChanges, changes, "change");
   std::printf("  both soaks together: GDI headroom lost %ld, USER headroom lost %ld, live RAII objects %+ld\n",
               start.room.gdi - afterChanges.room.gdi, start.room.user - afterChanges.room.user,
