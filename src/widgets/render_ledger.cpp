@@ -52,6 +52,7 @@ bool IsCurrent(const std::wstring& outPath, const std::wstring& inputs) noexcept
 
 void Record(const std::wstring& outPath, const std::wstring& inputs, bool written) noexcept {
   try {
+    if (!g_reuse.load()) return;
     const FileStamp stamp = written ? StampOf(outPath) : FileStamp{};
     const std::lock_guard<std::mutex> guard(g_lock);
     auto& entries = Entries();
