@@ -300,15 +300,21 @@ struct WorkReading {
   }
 };
 
-void PrintWork(const char* phase, double ms, const WorkReading& a, const WorkReading& b) {
-  std::printf("  %s: %.1f ms on the window thread;", phase, ms);
+// The work between two readings, each kind shared over `rounds` (its count and milliseconds).
+void PrintTallies(const WorkReading& a, const WorkReading& b, int rounds) {
   for (int i = 0; i < static_cast<int>(corvane::profile::Work::kCount); ++i) {
     const auto count = b.tally[i].count - a.tally[i].count;
     if (count == 0) continue;
-    std::printf(" %ls %lld (%.1f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(i)),
-                static_cast<long long>(count), (b.tally[i].microseconds - a.tally[i].microseconds) / 1000.0);
+    std::printf(" %ls %.4g (%.2f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(i)),
+                static_cast<double>(count) / rounds,
+                (b.tally[i].microseconds - a.tally[i].microseconds) / 1000.0 / rounds);
   }
   std::printf("\n");
+}
+
+void PrintWork(const char* phase, double ms, const WorkReading& a, const WorkReading& b) {
+  std::printf("  %s: %.1f ms on the window thread;", phase, ms);
+  PrintTallies(a, b, 1);
 }
 
 // Where a bar's time goes, phase by phase, with the picture ledger off (every picture rendered and
@@ -486,13 +492,7 @@ void BenchSoak(const PublishedState& state, int cycles, int changes) {
               " %.1f ms median per change, %.1f s in all\n",
               changes, shown, bench::Median(changeSamples), changeSeconds);
   std::printf("  per change:");
-  for (int i = 0; i < static_cast<int>(corvane::profile::Work::kCount); ++i) {
-    const auto count = w1.tally[i].count - w0.tally[i].count;
-    if (count == 0) continue;
-    std::printf(" %ls %.1f (%.2f ms);", corvane::profile::NameOf(static_cast<corvane::profile::Work>(i)),
-                static_cast<double>(count) / changes, (w1.tally[i].microseconds - w0.tally[i].microseconds) / 1000.0 / changes);
-  }
-  std::printf("\n");
+  PrintTallies(w0, w1, changes);
   PrintGrowth(afterCycles, afterChanges, changes, "change");
   std::printf("  both soaks together: GDI headroom lost %ld, USER headroom lost %ld, live RAII objects %+ld\n",
               start.room.gdi - afterChanges.room.gdi, start.room.user - afterChanges.room.user,
