@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <regex>
 #include <system_error>
 
 #include "platform/handles.h"
@@ -29,30 +30,6 @@ void WriteAll(HANDLE file, const void* data, size_t size) {
     bytes += written;
     size -= written;
   }
-}
-
-bool AllDigits(const std::wstring& text, size_t from, size_t count) {
-  if (from + count > text.size()) return false;
-  for (size_t i = from; i < from + count; ++i) {
-    if (text[i] < L'0' || text[i] > L'9') return false;
-  }
-  return true;
-}
-
-std::int64_t Number(const std::wstring& text, size_t from, size_t count) {
-  std::int64_t value = 0;
-  for (size_t i = from; i < from + count; ++i) value = value * 10 + (text[i] - L'0');
-  return value;
-}
-
-bool IsUpperGuid(const std::wstring& text, size_t from) {
-  if (from + 36 > text.size()) return false;
-  for (size_t i = 0; i < 36; ++i) {
-    const wchar_t c = text[from + i];
-    const bool hyphen = i == 8 || i == 13 || i == 18 || i == 23;
-    if (hyphen ? c != L'-' : !((c >= L'0' && c <= L'9') || (c >= L'A' && c <= L'F'))) return false;
-  }
-  return true;
 }
 
 // Text up to the next ']' starting after an expected '['; advances past the ']'.
@@ -179,43 +156,31 @@ std::int64_t LocalStamp() {
 }
 
 bool ParseLogLine(const std::wstring& text, LogLine& out) {
+  static const std::wregex kTime(LR"((\d{4})-(\d\d)-(\d\d) (\d\d):(\d\d):(\d\d)\.(\d{6}))");
+  static const std::wregex kLocation(LR"((.*):(\d+))");
+  static const std::wregex kNumber(LR"(\d+)");
   size_t pos = 0;
   std::wstring time, location;
+  std::wsmatch timeParts, locationParts;
   if (!Bracketed(text, pos, out.tag) || !Bracketed(text, pos, time) || !Bracketed(text, pos, location) ||
-      !Bracketed(text, pos, out.thread) || !Bracketed(text, pos, out.function)) {
+      !Bracketed(text, pos, out.thread) || !Bracketed(text, pos, out.function) ||
+      !std::regex_match(time, timeParts, kTime) || !std::regex_match(location, locationParts, kLocation) ||
+      !std::regex_match(out.thread, kNumber)) {
     return false;
   }
   out.message = text.substr(pos);
-  // YYYY-MM-DD hh:mm:ss.uuuuuu
-  if (time.size() != 26 || !AllDigits(time, 0, 4) || time[4] != L'-' || !AllDigits(time, 5, 2) || time[7] != L'-' ||
-      !AllDigits(time, 8, 2) || time[10] != L' ' || !AllDigits(time, 11, 2) || time[13] != L':' ||
-      !AllDigits(time, 14, 2) || time[16] != L':' || !AllDigits(time, 17, 2) || time[19] != L'.' ||
-      !AllDigits(time, 20, 6)) {
-    return false;
-  }
-  out.stamp = Number(time, 0, 4);
-  for (size_t at : {5, 8, 11, 14, 17}) out.stamp = out.stamp * 100 + Number(time, at, 2);
-  out.micros = static_cast<int>(Number(time, 20, 6));
-  const size_t colon = location.rfind(L':');
-  if (colon == std::wstring::npos) return false;
-  out.file = location.substr(0, colon);
-  out.line = location.substr(colon + 1);
-  return !out.line.empty() && AllDigits(out.line, 0, out.line.size()) && !out.thread.empty() &&
-         AllDigits(out.thread, 0, out.thread.size());
+  out.stamp = std::stoll(timeParts.str(1) + timeParts.str(2) + timeParts.str(3) + timeParts.str(4) +
+                         timeParts.str(5) + timeParts.str(6));
+  out.micros = std::stoi(timeParts.str(7));
+  out.file = locationParts.str(1);
+  out.line = locationParts.str(2);
+  return true;
 }
 
 bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts) {
-  constexpr size_t kPart = 14 + 1 + 36 + 4;
-  if (name.size() != prefix.size() + kPart * static_cast<size_t>(parts) || name.compare(0, prefix.size(), prefix) != 0) {
-    return false;
-  }
-  for (size_t at = prefix.size(); at < name.size(); at += kPart) {
-    if (!AllDigits(name, at, 14) || name[at + 14] != L'_' || !IsUpperGuid(name, at + 15) ||
-        name.compare(at + 51, 4, L".log") != 0) {
-      return false;
-    }
-  }
-  return true;
+  const std::wregex shape(prefix + LR"((\d{14}_[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}\.log){)" +
+                          std::to_wstring(parts) + L"}");
+  return std::regex_match(name, shape);
 }
 
 std::wstring FileNameOf(const std::wstring& path) {

@@ -47,14 +47,14 @@ TEST(UniqueResource, ClosesOnceThroughResetMovePutAndRelease) {
   EXPECT_EQ(Live(), 0);
 }
 
-TEST(UniqueResource, RealHandlesCloseAndCountFlatOverManyCycles) {
+TEST(UniqueResource, RealHandlesCloseAndCountBackToWhereTheyWere) {
   using traits = corvane::invalid_value_traits<corvane::detail::CloseKernelHandle>;
   const long before = corvane::LiveCount<traits>::value().load();
-  for (int i = 0; i < 2000; ++i) {
+  {
     corvane::unique_file event(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
     ASSERT_TRUE(event);
     corvane::unique_file moved = std::move(event);
-    ASSERT_TRUE(moved);
+    EXPECT_EQ(corvane::LiveCount<traits>::value().load(), before + 1);
   }
   EXPECT_EQ(corvane::LiveCount<traits>::value().load(), before);
 
