@@ -3,22 +3,21 @@
 #include <algorithm>
 #include <vector>
 
+#include "platform/gdiplus_headers.h"
+#include "platform/handles.h"
 #include "platform/module_path.h"
-#include "widgets/image_file.h"
-#include "widgets/image_helpers.h"
 
 namespace bartest {
 
 HRESULT STDMETHODCALLTYPE CountingUnknown::QueryInterface(REFIID iid, void** out) {
   if (out == nullptr) return E_POINTER;
-  *out = nullptr;
-  if (iid != IID_IUnknown) return E_NOINTERFACE;
-  *out = static_cast<IUnknown*>(this);
+  *out = iid == IID_IUnknown ? static_cast<IUnknown*>(this) : nullptr;
+  if (*out == nullptr) return E_NOINTERFACE;
   AddRef();
   return S_OK;
 }
 
-TestOwner::TestOwner(int clientWidth) : m_nWidth(clientWidth) {
+TestOwner::TestOwner(int clientWidth, bool pinned) : m_pinned(pinned), m_nWidth(clientWidth) {
   RECT frame{0, 0, clientWidth, 200};
   ::AdjustWindowRectEx(&frame, WS_OVERLAPPEDWINDOW, FALSE, 0);
   const RECT place{20, 20, 20 + frame.right - frame.left, 20 + frame.bottom - frame.top};
@@ -28,20 +27,16 @@ TestOwner::TestOwner(int clientWidth) : m_nWidth(clientWidth) {
 }
 
 void TestOwner::SetBarHeight(int height) {
-  ++m_nSetBarHeightCalls;
+  askedHeight = height;
+  if (m_pinned) return;
   m_nBarHeight = height;
   // The controller lays its window out again whenever the bar's height changes.
   if (m_pBar != nullptr && m_pBar->IsWindow()) Layout(m_nWidth);
 }
 
-void TestOwner::GetIconSize(int& width, int& height) const {
-  width = m_nIconWidth;
-  height = m_nIconHeight;
-}
-
 void TestOwner::SetIconSize(int width, int height) {
-  m_nIconWidth = width;
-  m_nIconHeight = height;
+  askedIcon = SIZE{width, height};
+  if (!m_pinned) m_icon = askedIcon;
 }
 
 void TestOwner::Layout(int width) {
@@ -69,8 +64,6 @@ HostedBar::~HostedBar() {
   owner.Attach(nullptr);
   Pump();
 }
-
-void HostedBar::Tick() const { ::SendMessageW(bar.m_hWnd, WM_TIMER, CTitleWindow::TIMER_CLOUD_UPDATE_INFO, 0); }
 
 void Pump() {
   MSG msg{};
@@ -111,22 +104,41 @@ std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() 
 
 std::set<std::uint32_t> InkColours(const std::wstring& path, LONG fromColumn, LONG toColumn) {
   std::set<std::uint32_t> colours;
-  imageutil::CImageFile file;
-  if (!file.Open(path)) return colours;
-  const LONG width = static_cast<LONG>(file.Width());
-  std::vector<std::uint32_t> pixels(static_cast<size_t>(width) * file.Height());
-  if (!file.CopyPixels(PixelFormat32bppARGB, pixels.data(), static_cast<int>(width * 4))) return colours;
-  for (size_t i = 0; i < pixels.size(); ++i) {
-    const LONG column = static_cast<LONG>(i % static_cast<size_t>(width));
-    if (column >= fromColumn && column < toColumn && (pixels[i] >> 24) >= 128) colours.insert(pixels[i] & 0xFFFFFFu);
+  Gdiplus::Bitmap picture(path.c_str());
+  const LONG width = std::min(toColumn, static_cast<LONG>(picture.GetWidth()));
+  for (LONG y = 0; y < static_cast<LONG>(picture.GetHeight()); ++y) {
+    for (LONG x = fromColumn; x < width; ++x) {
+      Gdiplus::Color pixel;
+      if (picture.GetPixel(x, y, &pixel) == Gdiplus::Ok && pixel.GetA() >= 128) colours.insert(pixel.GetValue() & 0xFFFFFFu);
+    }
   }
   return colours;
 }
 
 SIZE PictureSize(const std::wstring& path) {
-  UINT width = 0, height = 0;
-  if (!imageutil::GetImageSize(path, width, height)) return SIZE{-1, -1};
-  return SIZE{static_cast<LONG>(width), static_cast<LONG>(height)};
+  Gdiplus::Bitmap picture(path.c_str());
+  if (picture.GetLastStatus() != Gdiplus::Ok) return SIZE{-1, -1};
+  return SIZE{static_cast<LONG>(picture.GetWidth()), static_cast<LONG>(picture.GetHeight())};
+}
+
+std::vector<std::uint32_t> PaintedPixels(HWND window) {
+  RECT client{};
+  ::GetClientRect(window, &client);
+  const corvane::unique_hdc dc(::CreateCompatibleDC(nullptr));
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(info.bmiHeader), client.right, -client.bottom, 1, 32, BI_RGB};
+  void* bits = nullptr;
+  const corvane::unique_hbitmap target(::CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!target) return {};
+  const corvane::scoped_select selected(dc.get(), target.get());
+  auto* pixels = static_cast<std::uint32_t*>(bits);
+  const size_t count = static_cast<size_t>(client.right) * static_cast<size_t>(client.bottom);
+  std::fill(pixels, pixels + count, 0x0A141Eu);
+  ::SendMessageW(window, WM_PAINT, reinterpret_cast<WPARAM>(dc.get()), 0);
+  ::GdiFlush();
+  std::vector<std::uint32_t> rows(pixels, pixels + count);
+  for (std::uint32_t& pixel : rows) pixel &= 0xFFFFFFu;
+  return rows;
 }
 
 void BarTest::SetUp() {
@@ -145,24 +157,16 @@ void BarTest::TearDown() {
   if (m_comStarted) ::CoUninitialize();
 }
 
-void BarTest::DeleteValue(const std::wstring& subkey, const std::wstring& name) {
-  ::RegDeleteKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str());
-}
-
 void BarTest::PublishSpace(std::uint64_t total, std::uint64_t used) {
-  PublishUser();
+  SetUser(kUser);
   SetText(kUserKey, L"totalSpace", std::to_wstring(total));
   SetText(kUserKey, L"usedSpace", std::to_wstring(used));
 }
 
 void BarTest::PublishAdvertising(const std::wstring& id, const std::wstring& title) {
-  PublishUser();
+  SetUser(kUser);
   SetText(kUserKey, L"advertisingId", id);
   SetText(kUserKey, L"advertisingTitle", title);
-}
-
-void BarTest::PublishZoom(HWND window, const std::wstring& text) {
-  SetText(kZoomKey, std::to_wstring(reinterpret_cast<std::uintptr_t>(window)), text);
 }
 
 std::vector<std::wstring> BarTest::LogOf(const std::wstring& function) const {

@@ -11,7 +11,6 @@
 #include <atomic>
 #include <climits>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <set>
 #include <span>
@@ -20,6 +19,7 @@
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
+#include "log_files.h"
 #include "platform/gdiplus_session.h"
 #include "platform/window.h"
 #include "registry_fixture.h"
@@ -27,12 +27,12 @@
 
 namespace bartest {
 
+using logtest::FileExists;
 using registrytest::kRoot;
 using registrytest::kUser;
 using registrytest::kUserKey;
 using registrytest::kZoomKey;
-constexpr std::uint64_t kMiB = 1024ULL * 1024;
-constexpr std::uint64_t kGiB = 1024 * kMiB;
+constexpr std::uint64_t kMiB = 1024ULL * 1024, kGiB = 1024 * kMiB;
 
 // An IUnknown that only counts its references.
 class CountingUnknown final : public IUnknown {
@@ -53,37 +53,38 @@ class COwnerFrame final : public corvane::Window<COwnerFrame> {
 };
 
 // The owner: holds H and the text unit like the controller, and lays the bar out as a strip of
-// height H across the top of its window.
+// height H across the top of its window. A pinned owner keeps H = 40 and the unit 10 x 16 whatever
+// the bar measures (it only records what it was asked), so a layout can be stated in literal pixels.
 class TestOwner final : public IBarOwner {
  public:
-  explicit TestOwner(int clientWidth);
+  TestOwner(int clientWidth, bool pinned);
   int GetBarHeight() const override { return m_nBarHeight; }
   void SetBarHeight(int height) override;
-  void GetIconSize(int& width, int& height) const override;
+  void GetIconSize(int& width, int& height) const override { width = m_icon.cx, height = m_icon.cy; }
   void SetIconSize(int width, int height) override;
   HWND GetExplorerHwnd() const override { return m_frame.m_hWnd; }
-
   void Attach(CTitleWindow* bar) noexcept { m_pBar = bar; }
   // MovePosition of the bar to (0, 0, width, H).
   void Layout(int width);
   int Width() const noexcept { return m_nWidth; }
-  int SetBarHeightCalls() const noexcept { return m_nSetBarHeightCalls; }
+
+  int askedHeight = 0;  // the last height and unit the bar set
+  SIZE askedIcon{};
 
  private:
   COwnerFrame m_frame;
   CTitleWindow* m_pBar = nullptr;
+  bool m_pinned;
   int m_nWidth;
   int m_nBarHeight = 40;
-  int m_nIconWidth = 0;
-  int m_nIconHeight = 0;
-  int m_nSetBarHeightCalls = 0;
+  SIZE m_icon{10, 16};
 };
 
 // A bar hosted like the controller does it. Start: Initialize under the owner's window; Settle:
 // WM_DISPLAYCHANGE posted to the bar and its right group, the bar laid out at the owner's width and
 // the messages pumped.
 struct HostedBar {
-  explicit HostedBar(int width) : owner(width) {}
+  explicit HostedBar(int width, bool pinned = false) : owner(width, pinned) {}
   ~HostedBar();
   HostedBar(const HostedBar&) = delete;
   HostedBar& operator=(const HostedBar&) = delete;
@@ -92,10 +93,9 @@ struct HostedBar {
   HWND Bar() const { return bar.m_hWnd; }
   HWND Right() const { return bar.GetRightHwnd(); }
   HWND Child(int id) const { return ::GetDlgItem(bar.m_hWnd, id); }
-  void Tick() const;
+  void Tick() const { ::SendMessageW(bar.m_hWnd, WM_TIMER, CTitleWindow::TIMER_CLOUD_UPDATE_INFO, 0); }
 
-  // Whether the bar's own update timer was running when Start stopped it.
-  bool timerWasRunning = false;
+  bool timerWasRunning = false;  // the bar's own update timer, when Start stopped it
   CountingUnknown unknown;
   TestOwner owner;
   CTitleWindow bar;
@@ -109,26 +109,29 @@ std::vector<HWND> TakeQueued(UINT message);
 int CountOf(const std::vector<HWND>& windows, HWND window);
 bool HasStyle(HWND window, DWORD style);
 RECT RectIn(HWND window, HWND parent);
-using logtest::FileExists;
 std::wstring SkinFile(const wchar_t* name);
 // The distinct colours (0xRRGGBB) of a picture's pixels that are at least half covered; faint
 // anti-aliased edges are left out, so a caption yields exactly its text colour. Only the columns
-// [fromColumn, toColumn) are looked at.
+// [fromColumn, toColumn) are looked at. Read with GDI+ directly, not through the bar's own readers.
 std::set<std::uint32_t> InkColours(const std::wstring& path, LONG fromColumn = 0, LONG toColumn = LONG_MAX);
 SIZE PictureSize(const std::wstring& path);
+// The window painted into a 32-bit buffer first filled with 0x0A141E, as 0xRRGGBB rows.
+std::vector<std::uint32_t> PaintedPixels(HWND window);
 
 class BarTest : public registrytest::RegistryTest {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  static void DeleteValue(const std::wstring& subkey, const std::wstring& name);
-  static void PublishUser() { SetUser(kUser); }
+  static void DeleteValue(const std::wstring& subkey, const std::wstring& name) {
+    ::RegDeleteKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str());
+  }
   static void PublishSpace(std::uint64_t total, std::uint64_t used);
   static void PublishAdvertising(const std::wstring& id, const std::wstring& title);
-  static void PublishZoom(HWND window, const std::wstring& text);
+  static void PublishZoom(HWND window, const std::wstring& text) {
+    SetText(kZoomKey, std::to_wstring(reinterpret_cast<std::uintptr_t>(window)), text);
+  }
   void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
-
   // The messages logged under [function], in order.
   std::vector<std::wstring> LogOf(const std::wstring& function) const;
 

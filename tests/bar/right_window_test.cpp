@@ -2,43 +2,42 @@
 // settings menu.
 #include "bar_fixture.h"
 
-#include <cmath>
+#include <tuple>
+
+#include "log_files.h"
 
 namespace bartest {
 namespace {
 
-std::vector<std::wstring> Slots(const CPngToolButton& button) {
-  std::vector<std::wstring> names;
+// The four slots' file names, space separated.
+std::wstring Slots(const CPngToolButton& button) {
+  std::wstring names;
   for (int slot = 0; slot < 4; ++slot) {
     const std::wstring& path = button.GetImagePath(slot);
-    names.push_back(path.substr(path.rfind(L'\\') + 1));
+    names += (slot == 0 ? L"" : L" ") + path.substr(path.rfind(L'\\') + 1);
   }
   return names;
 }
 
-TEST_F(BarTest, RightGroupJoinsIconsScaledToTheirLabels) {
+TEST_F(BarTest, RightGroupReMeasureJoinsIconsScaledToTheirLabels) {
   HostedBar hosted(1200);
   ASSERT_TRUE(hosted.Start());
-  const struct {
-    const wchar_t* text;
-    const wchar_t* icon;
-    const wchar_t* scaled;
-    const wchar_t* joined;
-  } pictures[] = {
-      {L"tb_dt1.png", L"tb_normal.png", L"tb_normals.png", L"tb_dd1.png"},
-      {L"set_dt2.png", L"setting_normal1.png", L"setting_normal1s.png", L"set_dd2.png"},
-      {L"zsk_dt.png", L"zsk.png", L"zsks.png", nullptr},
-  };
-  for (const auto& p : pictures) {
-    const SIZE text = PictureSize(SkinFile(p.text)), icon = PictureSize(SkinFile(p.icon));
-    const SIZE scaled = PictureSize(SkinFile(p.scaled));
-    ASSERT_GT(icon.cy, 0) << "skin artwork missing";
-    EXPECT_EQ(scaled.cy, text.cy) << "the icon is brought to the label's height";
-    EXPECT_EQ(scaled.cx, std::lround(static_cast<double>(icon.cx) * text.cy / icon.cy)) << "and keeps its shape";
-    if (p.joined == nullptr) continue;
-    const SIZE joined = PictureSize(SkinFile(p.joined));
-    EXPECT_EQ(joined.cx, scaled.cx + text.cx) << "joined without overlap";
-    EXPECT_EQ(joined.cy, text.cy);
+  // A re-measure renders the pictures again and asks the bar to place the group.
+  ::DeleteFileW(SkinFile(L"tb_dd1.png").c_str());
+  ::DeleteFileW(SkinFile(L"zsks.png").c_str());
+  ::SendMessageW(hosted.Right(), WM_DISPLAYCHANGE, 0, 0);
+  EXPECT_EQ(TakeQueued(WM_TITLE_PLACE_RIGHT), std::vector<HWND>{hosted.Bar()});
+  // Each icon is brought to its label's height and joined left of it without overlap.
+  const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> pictures[] = {
+      {L"tb_dt1.png", L"tb_normals.png", L"tb_dd1.png"},
+      {L"set_dt2.png", L"setting_normal1s.png", L"set_dd2.png"},
+      {L"zsk_dt.png", L"zsks.png", nullptr}};
+  for (const auto& [label, icon, joined] : pictures) {
+    const SIZE text = PictureSize(SkinFile(label)), scaled = PictureSize(SkinFile(icon));
+    EXPECT_TRUE(text.cy > 0 && scaled.cy == text.cy) << logtest::Utf8(icon);
+    if (joined == nullptr) continue;
+    const SIZE both = PictureSize(SkinFile(joined));
+    EXPECT_EQ(std::make_pair(both.cx, both.cy), std::make_pair(scaled.cx + text.cx, text.cy)) << logtest::Utf8(joined);
   }
   // The labels' inks; the two light-theme ones differ by two in red.
   const struct {
@@ -47,54 +46,30 @@ TEST_F(BarTest, RightGroupJoinsIconsScaledToTheirLabels) {
   } inks[] = {{L"tb_dt1.png", 0x122133}, {L"set_dt1.png", 0x102133}, {L"set_dt2.png", 0xFFFFFF},
               {L"tb_dt3.png", 0x0091FF}, {L"zsk_dt.png", 0x5C7EFF}};
   for (const auto& label : inks) EXPECT_EQ(InkColours(SkinFile(label.name)), std::set<std::uint32_t>{label.ink});
-
-  const CRightWindow& right = hosted.bar.GetRightWindow();
-  EXPECT_EQ(right.GetSyncProgressButton().GetImageWidth(), PictureSize(SkinFile(L"tb_dd1.png")).cx);
-  EXPECT_EQ(right.GetZhishikuButton().GetImageWidth(), PictureSize(SkinFile(L"zsks.png")).cx);
 }
 
 TEST_F(BarTest, RightGroupImagesFollowTheTheme) {
   HostedBar hosted(1200);
   ASSERT_TRUE(hosted.Start());
   const CRightWindow& right = hosted.bar.GetRightWindow();
-  using Names = std::vector<std::wstring>;
-  const Names lightSync{L"tb_dd1.png", L"tb_dd3.png", L"tb_dd3.png", L"tb_dd1.png"};
-  const Names darkSync{L"tb_dd2.png", L"tb_dd3.png", L"tb_dd3.png", L"tb_dd2.png"};
-  const Names lightSettings{L"set_dd1.png", L"set_dd3.png", L"set_dd3.png", L"set_dd1.png"};
-  const Names darkSettings{L"set_dd2.png", L"set_dd3.png", L"set_dd3.png", L"set_dd2.png"};
-  const Names zhishiku(4, L"zsks.png");
-  EXPECT_EQ(Slots(right.GetSyncProgressButton()), lightSync);
-  EXPECT_EQ(Slots(right.GetSettingsButton()), lightSettings);
-  EXPECT_EQ(Slots(right.GetZhishikuButton()), zhishiku);
-
+  const std::wstring light[] = {L"tb_dd1.png tb_dd3.png tb_dd3.png tb_dd1.png", L"set_dd1.png set_dd3.png set_dd3.png set_dd1.png"};
+  const std::wstring dark[] = {L"tb_dd2.png tb_dd3.png tb_dd3.png tb_dd2.png", L"set_dd2.png set_dd3.png set_dd3.png set_dd2.png"};
   wchar_t other[] = L"Policy", element[] = L"WindowsThemeElement", immersive[] = L"ImmersiveColorSet";
-  const auto announce = [&](wchar_t* text) {
-    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(text));
-  };
-  SetDarkTheme(true);
-  announce(other);
-  EXPECT_EQ(Slots(right.GetSyncProgressButton()), lightSync) << "another setting changes nothing";
-  ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, 0);
-  EXPECT_EQ(Slots(right.GetSyncProgressButton()), lightSync) << "no string changes nothing";
-  announce(element);
-  EXPECT_EQ(Slots(right.GetSyncProgressButton()), darkSync);
-  EXPECT_EQ(Slots(right.GetSettingsButton()), darkSettings);
-  EXPECT_EQ(Slots(right.GetZhishikuButton()), zhishiku);
-  SetDarkTheme(false);
-  announce(immersive);
-  EXPECT_EQ(Slots(right.GetSyncProgressButton()), lightSync);
-  EXPECT_EQ(Slots(right.GetSettingsButton()), lightSettings);
-}
-
-TEST_F(BarTest, RightGroupReMeasureRebuildsAndAsksTheBarToPlaceIt) {
-  HostedBar hosted(1200);
-  ASSERT_TRUE(hosted.Start());
-  ::DeleteFileW(SkinFile(L"tb_dd1.png").c_str());
-  ::DeleteFileW(SkinFile(L"zsks.png").c_str());
-  ::SendMessageW(hosted.Right(), WM_DISPLAYCHANGE, 0, 0);
-  EXPECT_TRUE(FileExists(SkinFile(L"tb_dd1.png")));
-  EXPECT_TRUE(FileExists(SkinFile(L"zsks.png")));
-  EXPECT_EQ(TakeQueued(WM_TITLE_PLACE_RIGHT), std::vector<HWND>{hosted.Bar()});
+  // Only the two theme settings swap the files; another setting or no string changes nothing.
+  const struct {
+    bool dark;
+    wchar_t* setting;
+    const std::wstring* expected;
+  } steps[] = {{false, nullptr, light}, {true, other, light}, {true, nullptr, light}, {true, element, dark},
+               {false, immersive, light}};
+  for (const auto& step : steps) {
+    SetDarkTheme(step.dark);
+    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(step.setting));
+    const std::string name = step.setting == nullptr ? "(null)" : logtest::Utf8(step.setting);
+    EXPECT_EQ(Slots(right.GetSyncProgressButton()), step.expected[0]) << name;
+    EXPECT_EQ(Slots(right.GetSettingsButton()), step.expected[1]) << name;
+    EXPECT_EQ(Slots(right.GetZhishikuButton()), L"zsks.png zsks.png zsks.png zsks.png") << name;
+  }
 }
 
 // TrackPopupMenu is modal: a thread timer closes the menu from inside its loop and notes where
@@ -108,7 +83,7 @@ void CALLBACK CloseMenu(HWND, UINT, UINT_PTR timer, DWORD) {
 
 void ClickSettings(const HostedBar& hosted) {
   g_menuRect = RECT{};
-  ::SetTimer(nullptr, 0, 200, &CloseMenu);
+  ::SetTimer(nullptr, 0, 10, &CloseMenu);
   const HWND settings = hosted.bar.GetRightWindow().GetSettingsButton().m_hWnd;
   ::SendMessageW(hosted.Right(), WM_COMMAND, MAKEWPARAM(CRightWindow::IDC_RIGHT_SETTINGS, BN_CLICKED),
                  reinterpret_cast<LPARAM>(settings));

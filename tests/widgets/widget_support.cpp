@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
 
-#include "client_keys.h"
 #include "platform/gdiplus_session.h"
 #include "platform/handles.h"
 #include "widgets/image_helpers.h"
@@ -36,14 +36,10 @@ void PrintTo(const Argb& pixel, std::ostream* os) {
 
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks) {
   Gdiplus::Bitmap bitmap(width, height, PixelFormat32bppARGB);
-  ASSERT_EQ(bitmap.GetLastStatus(), Gdiplus::Ok);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
-      const POINT point{x, y};
       Argb pixel = fill;
-      for (const Block& block : blocks) {
-        if (::PtInRect(&block.rect, point)) pixel = block.colour;
-      }
+      for (const Block& block : blocks) pixel = ::PtInRect(&block.rect, POINT{x, y}) ? block.colour : pixel;
       ASSERT_EQ(bitmap.SetPixel(x, y, Gdiplus::Color(pixel.a, pixel.r, pixel.g, pixel.b)), Gdiplus::Ok);
     }
   }
@@ -55,10 +51,7 @@ void WritePng(const std::wstring& path, int width, int height, Argb fill, const 
 std::optional<Picture> ReadPicture(const std::wstring& path) {
   Gdiplus::Bitmap bitmap(path.c_str());
   if (bitmap.GetLastStatus() != Gdiplus::Ok) return std::nullopt;
-  Picture picture;
-  picture.width = static_cast<int>(bitmap.GetWidth());
-  picture.height = static_cast<int>(bitmap.GetHeight());
-  picture.pixels.reserve(static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+  Picture picture{static_cast<int>(bitmap.GetWidth()), static_cast<int>(bitmap.GetHeight()), {}};
   for (int y = 0; y < picture.height; ++y) {
     for (int x = 0; x < picture.width; ++x) {
       Gdiplus::Color colour;
@@ -69,14 +62,37 @@ std::optional<Picture> ReadPicture(const std::wstring& path) {
   return picture;
 }
 
-PublishedZoom::PublishedZoom(std::uint64_t windowNumber, const std::wstring& text)
-    : m_name(std::to_wstring(windowNumber)) {
-  EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, testsupport::kZoomKey, m_name.c_str(), REG_SZ, text.c_str(),
-                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-            ERROR_SUCCESS);
+Picture PaintedBy(int width, int height, const std::function<void(HDC)>& paint) {
+  const corvane::unique_hdc dc(::CreateCompatibleDC(nullptr));
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(info.bmiHeader), width, -height, 1, 32, BI_RGB};
+  void* bits = nullptr;
+  const corvane::unique_hbitmap target(::CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  Picture picture{width, height, {}};
+  if (!target) return picture;
+  const corvane::scoped_select selected(dc.get(), target.get());
+  auto* pixels = static_cast<DWORD*>(bits);
+  std::fill(pixels, pixels + width * height, 0x0A141Eu);  // kUnpainted as stored in a DIB
+  paint(dc.get());
+  ::GdiFlush();
+  // The DIB's alpha byte is not a picture's: what is painted counts as opaque.
+  for (int i = 0; i < width * height; ++i) picture.pixels.push_back(Opaque(RGB(pixels[i] >> 16, pixels[i] >> 8, pixels[i])));
+  return picture;
 }
 
-PublishedZoom::~PublishedZoom() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, testsupport::kZoomKey, m_name.c_str()); }
+std::optional<Picture> CaptureClient(HWND window) {
+  ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  RECT client{};
+  ::GetClientRect(window, &client);
+  const corvane::scoped_window_dc source(window);
+  if (client.right <= 0 || client.bottom <= 0 || !source) return std::nullopt;
+  bool copied = false;
+  Picture picture = PaintedBy(client.right, client.bottom, [&](HDC dc) {
+    copied = ::BitBlt(dc, 0, 0, client.right, client.bottom, source.get(), 0, 0, SRCCOPY) != FALSE;
+  });
+  if (!copied) return std::nullopt;
+  return picture;
+}
 
 std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
   static const MessageEntry map[] = {
@@ -84,6 +100,10 @@ std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
       {WM_ERASEBKGND, &CCommandRecorder::OnEraseBkgnd},
   };
   return map;
+}
+
+CCommandRecorder::~CCommandRecorder() {
+  ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
 }
 
 bool CCommandRecorder::CreateAt(int x, int y, int width, int height) {
@@ -102,57 +122,20 @@ LRESULT CCommandRecorder::OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&) {
 LRESULT CCommandRecorder::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&) {
   RECT client{};
   ::GetClientRect(m_hWnd, &client);
-  ::SetDCBrushColor(reinterpret_cast<HDC>(wParam), kParentColour);
+  ::SetDCBrushColor(reinterpret_cast<HDC>(wParam), RGB(255, 0, 255));
   ::FillRect(reinterpret_cast<HDC>(wParam), &client, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
   return 1;
 }
 
-void PrintTo(const CCommandRecorder::Command& command, std::ostream* os) {
-  *os << "{wParam 0x" << std::hex << command.wParam << ", lParam 0x" << command.lParam << std::dec << "}";
-}
-
-void Pump(int rounds) {
-  for (int round = 0; round < rounds; ++round) {
+void Pump() {
+  for (int round = 0; round < 3; ++round) {
+    if (round > 0) ::Sleep(15);
     MSG msg;
     while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
       ::TranslateMessage(&msg);
       ::DispatchMessageW(&msg);
     }
-    if (round + 1 < rounds) ::Sleep(15);
   }
-}
-
-COLORREF ToColorRef(const Argb& pixel) { return RGB(pixel.r, pixel.g, pixel.b); }
-
-Argb Opaque(COLORREF colour) { return Argb{255, GetRValue(colour), GetGValue(colour), GetBValue(colour)}; }
-
-std::optional<Picture> CaptureClient(HWND window) {
-  ::RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  RECT client{};
-  ::GetClientRect(window, &client);
-  const int width = client.right, height = client.bottom;
-  if (width <= 0 || height <= 0) return std::nullopt;
-  const corvane::scoped_window_dc source(window);
-  const corvane::unique_hdc memory(::CreateCompatibleDC(source.get()));
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(info.bmiHeader), width, -height, 1, 32, BI_RGB};
-  void* bits = nullptr;
-  const corvane::unique_hbitmap target(::CreateDIBSection(source.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!source || !memory || !target || bits == nullptr) return std::nullopt;
-  {
-    const corvane::scoped_select selected(memory.get(), target.get());
-    if (!::BitBlt(memory.get(), 0, 0, width, height, source.get(), 0, 0, SRCCOPY)) return std::nullopt;
-  }
-  ::GdiFlush();
-  Picture picture;
-  picture.width = width;
-  picture.height = height;
-  const auto* pixels = static_cast<const BYTE*>(bits);
-  for (int i = 0; i < width * height; ++i) {
-    // The screen has no alpha: what is shown is opaque.
-    picture.pixels.push_back(Argb{255, pixels[i * 4 + 2], pixels[i * 4 + 1], pixels[i * 4 + 0]});
-  }
-  return picture;
 }
 
 void MoveMouseTo(HWND window, int x, int y) {
