@@ -72,7 +72,7 @@ class FolderTest : public ::testing::TestWithParam<FolderClass> {
   ComPtr<IShellFolder2> m_folder2;
 };
 
-TEST_P(FolderTest, NamesClassAndInterfaces) {
+TEST_P(FolderTest, NamesClassInterfacesAndTypeInfo) {
   const FolderClass& c = GetParam();
   HRESULT hr = E_FAIL;
   EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_NORMAL, hr), L"Halvex同步盘");
@@ -102,6 +102,23 @@ TEST_P(FolderTest, NamesClassAndInterfaces) {
   }
   ComPtr<IUnknown> none;
   EXPECT_EQ(m_folder->QueryInterface(IID_IShellView, &none), E_NOINTERFACE);
+  // The dispatch half comes from the embedded type library, and has no methods of its own.
+  ComPtr<IDispatch> dispatch;
+  ASSERT_EQ(m_folder.As(&dispatch), S_OK);
+  UINT count = 0;
+  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 1u);
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(dispatch->GetTypeInfo(0, 0, &info), S_OK);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  EXPECT_TRUE(IsEqualIID(attributes->guid, *GetParam().dual));
+  info->ReleaseTypeAttr(attributes);
+  EXPECT_EQ(dispatch->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
+  wchar_t name[] = L"Frobnicate";
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, 0, &id), DISP_E_UNKNOWNNAME);
 }
 
 TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
@@ -143,7 +160,7 @@ TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
   EXPECT_EQ(ui, nullptr);
 }
 
-TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
+TEST_P(FolderTest, ViewsAttributesColumnsAndPanes) {
   ComPtr<IDropTarget> target;
   EXPECT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&target)), E_NOTIMPL);
   EXPECT_EQ(target.Get(), nullptr);
@@ -157,9 +174,6 @@ TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
   EXPECT_EQ(first.As(&drop), S_OK);
   ComPtr<IMyShellView> dual;
   EXPECT_EQ(first.As(&dual), S_OK);
-}
-
-TEST_P(FolderTest, AttributesColumnsAndPanes) {
   const struct {
     UINT count;
     PCUITEMID_CHILD item;
@@ -195,26 +209,6 @@ TEST_P(FolderTest, AttributesColumnsAndPanes) {
   state = 0x77;
   EXPECT_EQ(panes->GetPaneState(navigation, &state), S_OK);
   EXPECT_EQ(state, 0x77u);
-}
-
-TEST_P(FolderTest, DispatchComesFromTheEmbeddedTypeLibrary) {
-  ComPtr<IDispatch> dispatch;
-  ASSERT_EQ(m_folder.As(&dispatch), S_OK);
-  UINT count = 0;
-  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
-  EXPECT_EQ(count, 1u);
-  ComPtr<ITypeInfo> info;
-  ASSERT_EQ(dispatch->GetTypeInfo(0, 0, &info), S_OK);
-  TYPEATTR* attributes = nullptr;
-  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
-  EXPECT_TRUE(IsEqualIID(attributes->guid, *GetParam().dual));
-  info->ReleaseTypeAttr(attributes);
-  EXPECT_EQ(dispatch->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
-  // No methods of its own: a name the interface does not have is unknown.
-  wchar_t name[] = L"Frobnicate";
-  LPOLESTR names[] = {name};
-  DISPID id = 0;
-  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, 0, &id), DISP_E_UNKNOWNNAME);
 }
 
 INSTANTIATE_TEST_SUITE_P(BothClasses, FolderTest, ::testing::ValuesIn(kClasses),

@@ -3,8 +3,6 @@
 // state, size and theme, what its buttons and a drop of folders send to the client (the Halvex.exe
 // stand-in records every command), and the step into the sync folder.
 #include <windows.h>
-#include <shellapi.h>
-#include <shlobj.h>
 #include <wrl/client.h>
 
 #include <gtest/gtest.h>

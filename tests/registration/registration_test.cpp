@@ -9,6 +9,7 @@
 #include <olectl.h>
 
 #include <algorithm>
+#include <iterator>
 #include <cwchar>
 #include <optional>
 #include <sstream>
@@ -193,7 +194,14 @@ std::vector<std::wstring> Expected(State state) {
   return Normal(lines);
 }
 
-void ExpectState(State state) { EXPECT_EQ(Snapshot(), Expected(state)); }
+void ExpectState(State state) {
+  const std::vector<std::wstring> actual = Snapshot(), expected = Expected(state);
+  std::vector<std::wstring> missing, extra;
+  std::set_difference(expected.begin(), expected.end(), actual.begin(), actual.end(), std::back_inserter(missing));
+  std::set_difference(actual.begin(), actual.end(), expected.begin(), expected.end(), std::back_inserter(extra));
+  EXPECT_TRUE(missing.empty() && extra.empty()) << "missing: " << testing::PrintToString(missing)
+                                                << "\nextra: " << testing::PrintToString(extra);
+}
 
 // The stand-in's results, one per call, in order.
 std::vector<HRESULT> CallExports(const std::wstring& calls) {
