@@ -2,22 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 
 #include "platform/handles.h"
+#include "platform/module_path.h"
 
 namespace moduletest {
-
-namespace {
-
-std::wstring FromUtf8(const std::string& text) {
-  if (text.empty()) return std::wstring();
-  const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring out(static_cast<size_t>(size > 0 ? size : 0), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
-  return out;
-}
-
-}  // namespace
 
 HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls) {
   HostRun run;
@@ -66,24 +56,24 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
          ::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
     bytes.append(buffer, read);
   }
-  run.output = FromUtf8(bytes);
-  size_t start = 0;
-  while (start < run.output.size()) {
-    size_t end = run.output.find(L'\n', start);
-    if (end == std::wstring::npos) end = run.output.size();
-    const std::wstring line = run.output.substr(start, end - start);
-    const size_t equals = line.find(L'=');
-    if (equals != std::wstring::npos) run.values[line.substr(0, equals)] = line.substr(equals + 1);
-    start = end + 1;
+  const int size = ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
+  run.output.resize(static_cast<size_t>(size > 0 ? size : 0));
+  ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), run.output.data(), size);
+  std::wistringstream lines(run.output);
+  for (std::wstring line; std::getline(lines, line);) {
+    if (const size_t equals = line.find(L'='); equals != std::wstring::npos) {
+      run.values[line.substr(0, equals)] = line.substr(equals + 1);
+    }
   }
   return run;
 }
 
-std::wstring ProgramFolder() {
-  wchar_t self[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-  const std::wstring path(self, length);
-  return path.substr(0, path.rfind(L'\\') + 1);
+HostRun Regsvr32(const std::wstring& switches) {
+  wchar_t system[MAX_PATH] = {};
+  ::GetSystemDirectoryW(system, MAX_PATH);
+  return RunHost(std::wstring(system) + L"\\regsvr32.exe", ProgramFolder() + L"Corvane.dll", switches);
 }
+
+std::wstring ProgramFolder() { return corvane::ThisModuleFolder(); }
 
 }  // namespace moduletest

@@ -1,5 +1,5 @@
 #pragma once
-// Runs a copy of the host stand-in on the built DLL.
+// Runs a copy of the host stand-in, or Wine's regsvr32, on the built DLL.
 #include <windows.h>
 
 #include <map>
@@ -18,6 +18,9 @@ struct HostRun {
 // Starts `host` with the DLL path as its argument, followed by `calls` when given, and waits for it
 // (a few seconds at most).
 HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls = std::wstring());
+
+// Wine's own regsvr32.exe with the given switches on the Corvane.dll beside this program.
+HostRun Regsvr32(const std::wstring& switches);
 
 // The folder this test program runs from, ending in a backslash (the DLL lies here too).
 std::wstring ProgramFolder();

@@ -1,17 +1,22 @@
 // Both namespace folder classes as Explorer meets them: created through the built DLL's class
-// factory and asked the questions Explorer asks.
+// factory and asked the questions Explorer asks. Nothing here touches shared state.
 #include <windows.h>
 #include <shlobj.h>
 #include <shobjidl.h>
 #include <wrl/client.h>
 
+#include <gtest/gtest.h>
+
 #include <cstring>
+#include <memory>
+#include <string>
 
+#include "core/paths.h"
 #include "corvane_h.h"
-#include "namespace_fixture.h"
+#include "namespace_host.h"
 #include "platform/handles.h"
+#include "platform/module_path.h"
 
-namespace nstest {
 namespace {
 
 using Microsoft::WRL::ComPtr;
@@ -30,12 +35,18 @@ const FolderClass kClasses[] = {
      L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a42}"},
 };
 
+// An ID list of one 6-byte item (the folder has none of its own, so any bytes will do), and an
+// empty list, which is the folder itself.
+alignas(USHORT) const BYTE kChild[] = {6, 0, 1, 2, 3, 4, 0, 0};
+const auto kChildItem = reinterpret_cast<PCUITEMID_CHILD>(kChild);
+const auto kEmptyList = reinterpret_cast<PCUITEMID_CHILD>(kChild + 6);
+
 std::wstring NameOf(IShellFolder* folder, PCUITEMID_CHILD pidl, SHGDNF flags, HRESULT& hr) {
   STRRET name{};
   hr = folder->GetDisplayNameOf(pidl, flags, &name);
   if (FAILED(hr)) return L"";
   EXPECT_EQ(name.uType, static_cast<UINT>(STRRET_WSTR));
-  corvane::unique_cotaskmem_string text(name.pOleStr);
+  const corvane::unique_cotaskmem_string text(name.pOleStr);
   return text.get();
 }
 
@@ -44,19 +55,24 @@ class FolderTest : public ::testing::TestWithParam<FolderClass> {
   void SetUp() override {
     ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
     m_host = std::make_unique<nshost::NamespaceHost>();
-    ASSERT_EQ(m_host->LoadFolder(DllPath(), *GetParam().clsid), S_OK);
+    // This program lies one folder below the DLL, as the namespace-host does.
+    const std::wstring dll = corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll";
+    ASSERT_EQ(m_host->LoadFolder(dll, *GetParam().clsid), S_OK);
     m_folder = m_host->Folder();
+    ASSERT_EQ(m_folder.As(&m_folder2), S_OK);
   }
   void TearDown() override {
     m_folder.Reset();
+    m_folder2.Reset();
     m_host.reset();
     ::OleUninitialize();
   }
   std::unique_ptr<nshost::NamespaceHost> m_host;
   ComPtr<IShellFolder> m_folder;
+  ComPtr<IShellFolder2> m_folder2;
 };
 
-TEST_P(FolderTest, NamesClassAndInterfaces) {
+TEST_P(FolderTest, NamesClassInterfacesAndTypeInfo) {
   const FolderClass& c = GetParam();
   HRESULT hr = E_FAIL;
   EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_NORMAL, hr), L"Halvex同步盘");
@@ -64,14 +80,8 @@ TEST_P(FolderTest, NamesClassAndInterfaces) {
   EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_INFOLDER | SHGDN_FORADDRESSBAR, hr), L"Halvex同步盘");
   EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_FORPARSING, hr), c.parsingPath);
   EXPECT_EQ(NameOf(m_folder.Get(), nullptr, SHGDN_FORPARSING | SHGDN_INFOLDER, hr), c.parsingPath);
-  // A child item has no name: the folder has no items.
-  const struct {
-    USHORT cb;
-    BYTE data[4];
-    USHORT end;
-  } child = {6, {1, 2, 3, 4}, 0};
-  NameOf(m_folder.Get(), reinterpret_cast<PCUITEMID_CHILD>(&child), SHGDN_NORMAL, hr);
-  EXPECT_EQ(hr, E_INVALIDARG);
+  NameOf(m_folder.Get(), kChildItem, SHGDN_NORMAL, hr);
+  EXPECT_EQ(hr, E_INVALIDARG) << "an item has no name";
   EXPECT_EQ(m_folder->GetDisplayNameOf(nullptr, SHGDN_NORMAL, nullptr), E_INVALIDARG);
 
   ComPtr<IPersist> persist;
@@ -79,7 +89,6 @@ TEST_P(FolderTest, NamesClassAndInterfaces) {
   CLSID clsid{};
   EXPECT_EQ(persist->GetClassID(&clsid), S_OK);
   EXPECT_TRUE(IsEqualCLSID(clsid, *c.clsid));
-
   // Every interface of the map, and one identity behind them.
   const IID* interfaces[] = {c.dual, &IID_IDispatch, &IID_IExplorerPaneVisibility, &IID_IPersist, &IID_IPersistFolder,
                              &IID_IPersistFolder2, &IID_IShellFolder, &IID_IShellFolder2};
@@ -93,91 +102,65 @@ TEST_P(FolderTest, NamesClassAndInterfaces) {
   }
   ComPtr<IUnknown> none;
   EXPECT_EQ(m_folder->QueryInterface(IID_IShellView, &none), E_NOINTERFACE);
+  // The dispatch half comes from the embedded type library, and has no methods of its own.
+  ComPtr<IDispatch> dispatch;
+  ASSERT_EQ(m_folder.As(&dispatch), S_OK);
+  UINT count = 0;
+  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+  EXPECT_EQ(count, 1u);
+  ComPtr<ITypeInfo> info;
+  ASSERT_EQ(dispatch->GetTypeInfo(0, 0, &info), S_OK);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  EXPECT_TRUE(IsEqualIID(attributes->guid, *GetParam().dual));
+  info->ReleaseTypeAttr(attributes);
+  EXPECT_EQ(dispatch->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
+  wchar_t name[] = L"Frobnicate";
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, 0, &id), DISP_E_UNKNOWNNAME);
 }
 
-TEST_P(FolderTest, RemembersItsIdListAndRefusesItems) {
+TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
   ComPtr<IPersistFolder2> persist;
   ASSERT_EQ(m_folder.As(&persist), S_OK);
   PIDLIST_ABSOLUTE current = reinterpret_cast<PIDLIST_ABSOLUTE>(1);
   EXPECT_EQ(persist->GetCurFolder(&current), S_FALSE);
   EXPECT_EQ(current, nullptr);
   EXPECT_EQ(persist->GetCurFolder(nullptr), E_POINTER);
-
-  corvane::unique_pidl location;
+  corvane::unique_pidl location, copy;
   ASSERT_EQ(::SHParseDisplayName(L"C:\\windows", nullptr, location.put(), 0, nullptr), S_OK);
   ASSERT_EQ(persist->Initialize(location.get()), S_OK);
-  corvane::unique_pidl copy;
   ASSERT_EQ(persist->GetCurFolder(copy.put()), S_OK);
   ASSERT_NE(copy.get(), location.get());
   ASSERT_EQ(::ILGetSize(copy.get()), ::ILGetSize(location.get()));
   EXPECT_EQ(std::memcmp(copy.get(), location.get(), ::ILGetSize(location.get())), 0);
-  // A null list forgets the stored one.
   ASSERT_EQ(persist->Initialize(nullptr), S_OK);
-  EXPECT_EQ(persist->GetCurFolder(copy.put()), S_FALSE);
-
-  ComPtr<IEnumIDList> items;
-  EXPECT_EQ(m_folder->EnumObjects(nullptr, SHCONTF_FOLDERS, &items), E_NOTIMPL);
-  EXPECT_EQ(items.Get(), nullptr);
-  void* untouched = reinterpret_cast<void*>(0x1234);
-  EXPECT_EQ(m_folder->BindToObject(nullptr, nullptr, IID_IShellFolder, &untouched), S_OK);
-  EXPECT_EQ(untouched, reinterpret_cast<void*>(0x1234));
-  void* ui = reinterpret_cast<void*>(0x1234);
-  EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);
-  EXPECT_EQ(ui, nullptr);
-}
-
-TEST_P(FolderTest, TheRemainingMethodsAnswerAsStubs) {
-  ComPtr<IShellFolder2> folder;
-  ASSERT_EQ(m_folder.As(&folder), S_OK);
-  const USHORT empty = 0;
-  const auto item = reinterpret_cast<PCUITEMID_CHILD>(&empty);
-  void* const kUntouched = reinterpret_cast<void*>(0x1234);
-  void* storage = kUntouched;
-  ComPtr<IEnumExtraSearch> searches;
-  GUID search{};
-  VARIANT details;
-  ::VariantInit(&details);
-  SHELLDETAILS columnDetails{};
-  SHCOLUMNID columnId{};
-  PITEMID_CHILD renamed = nullptr;
-  wchar_t newName[] = L"other";
-  const struct {
-    const char* method;
-    HRESULT result;
-    HRESULT expected;
-  } calls[] = {
-      {"EnumObjects without out pointer", folder->EnumObjects(nullptr, SHCONTF_FOLDERS, nullptr), E_POINTER},
-      {"BindToStorage", folder->BindToStorage(item, nullptr, IID_IStream, &storage), S_OK},
-      {"CompareIDs", folder->CompareIDs(0, item, item), S_OK},
-      {"SetNameOf", folder->SetNameOf(nullptr, item, newName, SHGDN_NORMAL, &renamed), S_OK},
-      {"GetDefaultSearchGUID", folder->GetDefaultSearchGUID(&search), E_NOTIMPL},
-      {"EnumSearches", folder->EnumSearches(&searches), E_NOINTERFACE},
-      {"GetDetailsEx", folder->GetDetailsEx(item, &columnId, &details), E_NOTIMPL},
-      {"GetDetailsOf", folder->GetDetailsOf(item, 0, &columnDetails), E_NOTIMPL},
-      {"MapColumnToSCID", folder->MapColumnToSCID(0, &columnId), E_NOTIMPL},
-  };
-  for (const auto& call : calls) EXPECT_EQ(call.result, call.expected) << call.method;
-  EXPECT_EQ(storage, kUntouched) << "BindToStorage writes nothing";
-  EXPECT_EQ(renamed, nullptr);
-  EXPECT_EQ(searches.Get(), nullptr);
+  EXPECT_EQ(persist->GetCurFolder(copy.put()), S_FALSE) << "a null list forgets the stored one";
 
   // Parsing is the shell's; the counts the caller passes are left alone.
   ULONG eaten = 77;
   SFGAOF attributes = 77;
   wchar_t path[] = L"C:\\windows";
   corvane::unique_pidl parsed;
-  EXPECT_EQ(folder->ParseDisplayName(nullptr, nullptr, path, &eaten, reinterpret_cast<PIDLIST_RELATIVE*>(parsed.put()),
-                                     &attributes),
-            S_OK);
+  EXPECT_EQ(m_folder->ParseDisplayName(nullptr, nullptr, path, &eaten, reinterpret_cast<PIDLIST_RELATIVE*>(parsed.put()),
+                                       &attributes), S_OK);
   EXPECT_NE(parsed.get(), nullptr);
   EXPECT_EQ(eaten, 77u);
   EXPECT_EQ(attributes, 77u);
   wchar_t nonsense[] = L"C:\\corvane no such folder\\nothing";
   PIDLIST_RELATIVE none = nullptr;
-  EXPECT_EQ(folder->ParseDisplayName(nullptr, nullptr, nonsense, nullptr, &none, nullptr), E_INVALIDARG);
+  EXPECT_EQ(m_folder->ParseDisplayName(nullptr, nullptr, nonsense, nullptr, &none, nullptr), E_INVALIDARG);
+
+  ComPtr<IEnumIDList> items;
+  EXPECT_EQ(m_folder->EnumObjects(nullptr, SHCONTF_FOLDERS, &items), E_NOTIMPL);
+  EXPECT_EQ(items.Get(), nullptr);
+  void* ui = reinterpret_cast<void*>(0x1234);
+  EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);
+  EXPECT_EQ(ui, nullptr);
 }
 
-TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
+TEST_P(FolderTest, ViewsAttributesColumnsAndPanes) {
   ComPtr<IDropTarget> target;
   EXPECT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&target)), E_NOTIMPL);
   EXPECT_EQ(target.Get(), nullptr);
@@ -191,44 +174,29 @@ TEST_P(FolderTest, CreatesAFreshViewOnlyForIShellView) {
   EXPECT_EQ(first.As(&drop), S_OK);
   ComPtr<IMyShellView> dual;
   EXPECT_EQ(first.As(&dual), S_OK);
-}
-
-TEST_P(FolderTest, AttributesColumnsAndPanes) {
-  struct AttributeCase {
-    UINT count;
-    bool childItem;
-    SFGAOF in;
-    SFGAOF out;
-  };
   const struct {
-    USHORT cb;
-    BYTE data[2];
-    USHORT end;
-  } child = {4, {7, 8}, 0};
-  const USHORT empty = 0;
-  const AttributeCase cases[] = {
-      {0, false, 0xFFFFFFFF, 0xF8000000},
-      {0, false, SFGAO_FOLDER | SFGAO_CANCOPY, SFGAO_FOLDER},
-      {1, false, 0xFFFFFFFF, 0xF8000000},  // an empty ID list is the folder itself
-      {1, true, 0xFFFFFFFF, 0xFFFFFFFF},   // items keep what the caller asked
+    UINT count;
+    PCUITEMID_CHILD item;
+    SFGAOF in, out;
+  } cases[] = {
+      {0, nullptr, 0xFFFFFFFF, 0xF8000000},
+      {0, nullptr, SFGAO_FOLDER | SFGAO_CANCOPY, SFGAO_FOLDER},
+      {1, kEmptyList, 0xFFFFFFFF, 0xF8000000},
+      {1, kChildItem, 0xFFFFFFFF, 0xFFFFFFFF},  // items keep what the caller asked
   };
-  for (const AttributeCase& c : cases) {
-    PCUITEMID_CHILD item = c.childItem ? reinterpret_cast<PCUITEMID_CHILD>(&child)
-                                       : reinterpret_cast<PCUITEMID_CHILD>(&empty);
+  for (const auto& c : cases) {
     SFGAOF attributes = c.in;
+    PCUITEMID_CHILD item = c.item;
     EXPECT_EQ(m_folder->GetAttributesOf(c.count, c.count ? &item : nullptr, &attributes), S_OK);
-    EXPECT_EQ(attributes, c.out) << c.count << " " << c.childItem;
+    EXPECT_EQ(attributes, c.out) << c.count << " " << (c.item == kChildItem);
   }
-
-  ComPtr<IShellFolder2> folder2;
-  ASSERT_EQ(m_folder.As(&folder2), S_OK);
   for (UINT column = 0; column < 4; ++column) {
     SHCOLSTATEF state = 0xABCD;
-    EXPECT_EQ(folder2->GetDefaultColumnState(column, &state), column < 3 ? S_OK : E_INVALIDARG);
+    EXPECT_EQ(m_folder2->GetDefaultColumnState(column, &state), column < 3 ? S_OK : E_INVALIDARG);
     EXPECT_EQ(state, column < 3 ? 0x11u : 0xABCDu) << column;
   }
   ULONG sort = 9, display = 9;
-  EXPECT_EQ(folder2->GetDefaultColumn(0, &sort, &display), S_OK);
+  EXPECT_EQ(m_folder2->GetDefaultColumn(0, &sort, &display), S_OK);
   EXPECT_EQ(sort + display, 0u);
 
   ComPtr<IExplorerPaneVisibility> panes;
@@ -243,28 +211,7 @@ TEST_P(FolderTest, AttributesColumnsAndPanes) {
   EXPECT_EQ(state, 0x77u);
 }
 
-TEST_P(FolderTest, DispatchComesFromTheEmbeddedTypeLibrary) {
-  ComPtr<IDispatch> dispatch;
-  ASSERT_EQ(m_folder.As(&dispatch), S_OK);
-  UINT count = 0;
-  EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
-  EXPECT_EQ(count, 1u);
-  ComPtr<ITypeInfo> info;
-  ASSERT_EQ(dispatch->GetTypeInfo(0, 0, &info), S_OK);
-  TYPEATTR* attributes = nullptr;
-  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
-  EXPECT_TRUE(IsEqualIID(attributes->guid, *GetParam().dual));
-  info->ReleaseTypeAttr(attributes);
-  EXPECT_EQ(dispatch->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
-  // No methods of its own: a name the interface does not have is unknown.
-  wchar_t name[] = L"Frobnicate";
-  LPOLESTR names[] = {name};
-  DISPID id = 0;
-  EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, 0, &id), DISP_E_UNKNOWNNAME);
-}
-
 INSTANTIATE_TEST_SUITE_P(BothClasses, FolderTest, ::testing::ValuesIn(kClasses),
                          [](const ::testing::TestParamInfo<FolderClass>& info) { return std::string(info.param.name); });
 
 }  // namespace
-}  // namespace nstest

@@ -1,9 +1,13 @@
-// The built Corvane.dll as an installer leaves it: registered by Wine's regsvr32, found by Wine's own
-// explorer.exe under My Computer, and opened there by its parsing path, so that shell32 creates the
-// folder, asks it for its view and gives the view Explorer's own window to live in.
+// The built Corvane.dll as an installer leaves it: registered by Wine's regsvr32, listed by Wine's
+// shell32 under My Computer, and opened in Wine's own explorer.exe by its parsing path, so that
+// shell32 creates the folder, asks it for its view and gives the view Explorer's own window.
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <shlobj.h>
+#include <shlwapi.h>
+#include <wrl/client.h>
+
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -12,30 +16,91 @@
 #include "client_state.h"
 #include "host_process.h"
 #include "log_files.h"
-#include "wine_explorer.h"
+#include "platform/handles.h"
 
 namespace {
 
 using logtest::Utf8;
+using Microsoft::WRL::ComPtr;
 using testsupport::ClientState;
 
-constexpr wchar_t kMyComputer[] = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}";
 constexpr wchar_t kFolderPath[] = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a40}";
 constexpr wchar_t kFolderName[] = L"Halvex同步盘";
 constexpr wchar_t kPromptClass[] = L"CorvaneMainWindow";
-constexpr int kLoginButton = 1001;
-constexpr int kSettingsButton = 1002;
+constexpr UINT_PTR kPollTimer = 1;  // the prompt's one-second poll
 constexpr DWORD kWait = 15000;
 
-void Regsvr32(const std::wstring& switches) {
-  wchar_t system[MAX_PATH] = {};
-  ::GetSystemDirectoryW(system, MAX_PATH);
-  const moduletest::HostRun run = moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe",
-                                                      moduletest::ProgramFolder() + L"Corvane.dll", switches);
-  ASSERT_TRUE(run.finished);
+// Wine's own explorer.exe as a user would run it: one process with one browser window, driven
+// through its address box by tools\shell-nav.exe, and read from outside through its window tree.
+class WineExplorer {
+ public:
+  WineExplorer() {
+    wchar_t windows[MAX_PATH] = {};
+    ::GetWindowsDirectoryW(windows, MAX_PATH);
+    const std::wstring exe = std::wstring(windows) + L"\\explorer.exe";
+    std::wstring commandLine = L"\"" + exe + L"\"";
+    STARTUPINFOW startup{sizeof startup};
+    PROCESS_INFORMATION info{};
+    if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
+    m_process.reset(info.hProcess);
+    const corvane::unique_handle thread(info.hThread);
+  }
+  // Closes the window if it is still there, and makes sure the process is gone.
+  ~WineExplorer() {
+    if (HWND window = Window(); window != nullptr) ::PostMessageW(window, WM_CLOSE, 0, 0);
+    if (!WaitForExit(5000)) {
+      ::TerminateProcess(m_process.get(), 1);
+      WaitForExit(5000);
+    }
+  }
+  WineExplorer(const WineExplorer&) = delete;
+  WineExplorer& operator=(const WineExplorer&) = delete;
+
+  HANDLE Handle() const { return m_process.get(); }
+  // The process's browser window, or null.
+  HWND Window() const {
+    for (HWND w = ::FindWindowExW(nullptr, nullptr, L"ExplorerWClass", nullptr); w != nullptr;
+         w = ::FindWindowExW(nullptr, w, L"ExplorerWClass", nullptr)) {
+      DWORD pid = 0;
+      ::GetWindowThreadProcessId(w, &pid);
+      if (m_process && pid == ::GetProcessId(m_process.get())) return w;
+    }
+    return nullptr;
+  }
+  // Types the parsing path into the address box and presses Enter; shell-nav lies in the client
+  // folder's tools folder, one level up from this program.
+  bool Navigate(const std::wstring& path) const {
+    const moduletest::HostRun run =
+        moduletest::RunHost(moduletest::ProgramFolder() + L"..\\tools\\shell-nav.exe", L"navigate", L"\"" + path + L"\"");
+    return run.finished && run.exitCode == 0;
+  }
+  bool WaitForExit(DWORD timeoutMs) const {
+    return !m_process || ::WaitForSingleObject(m_process.get(), timeoutMs) == WAIT_OBJECT_0;
+  }
+
+ private:
+  corvane::unique_handle m_process;
+};
+
+// Polls until the condition holds; false if it still does not after timeoutMs.
+bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
+  for (const ULONGLONG end = ::GetTickCount64() + timeoutMs; !condition(); ::Sleep(50)) {
+    if (::GetTickCount64() >= end) return false;
+  }
+  return true;
 }
 
-// Visible prompt buttons by control id: which face the prompt shows.
+// The first descendant of the given class (any depth), or null.
+HWND FindDescendant(HWND root, const wchar_t* className) {
+  if (root == nullptr) return nullptr;
+  if (HWND child = ::FindWindowExW(root, nullptr, className, nullptr); child != nullptr) return child;
+  for (HWND child = ::GetWindow(root, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
+    if (HWND found = FindDescendant(child, className); found != nullptr) return found;
+  }
+  return nullptr;
+}
+
+// Visible prompt buttons by control id (login 1001, settings 1002): which face the prompt shows.
 std::vector<int> VisibleButtons(HWND prompt) {
   std::vector<int> ids;
   for (HWND child = ::GetWindow(prompt, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
@@ -48,63 +113,60 @@ class WineExplorerTest : public testing::Test {
  protected:
   void SetUp() override {
     m_syncFolder = m_scratch.MakeFolder(L"同步盘");
-    Regsvr32(L"/s");
+    ASSERT_TRUE(moduletest::Regsvr32(L"/s").finished);
   }
   void TearDown() override {
     m_explorer.reset();
     testsupport::ClearClientState();
     // Other tests expect a registry without the add-in.
-    Regsvr32(L"/s /u");
+    EXPECT_TRUE(moduletest::Regsvr32(L"/s /u").finished);
   }
 
   void Open(ClientState state) {
     testsupport::PublishClientState(state, m_syncFolder);
-    m_explorer = std::make_unique<e2etest::WineExplorer>();
-    ASSERT_TRUE(m_explorer->Started());
-    ASSERT_TRUE(e2etest::WaitUntil([&] { return m_explorer->Window() != nullptr; }, kWait));
+    m_explorer = std::make_unique<WineExplorer>();
+    ASSERT_NE(m_explorer->Handle(), nullptr);
+    ASSERT_TRUE(WaitUntil([&] { return m_explorer->Window() != nullptr; }, kWait));
     // A new window may not act on the first Enter in its address box yet: type the path again
     // until our view is there.
     bool opened = false;
     for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
       ASSERT_TRUE(m_explorer->Navigate(kFolderPath));
-      opened = e2etest::WaitUntil(
-          [&] { return e2etest::FindDescendant(m_explorer->Window(), L"CorvaneShellView") != nullptr; }, 5000);
+      opened = WaitUntil(
+          [&] { return FindDescendant(m_explorer->Window(), L"CorvaneShellView") != nullptr; }, 5000);
     }
     ASSERT_TRUE(opened);
   }
 
-  // Our prompt inside the Explorer window, once it is there and visible.
-  HWND WaitForPrompt() const {
-    HWND prompt = nullptr;
-    e2etest::WaitUntil(
-        [&] {
-          prompt = e2etest::FindDescendant(m_explorer->Window(), kPromptClass);
-          return prompt != nullptr && ::IsWindowVisible(prompt);
-        },
-        kWait);
-    return prompt;
-  }
-
   standintest::ScratchFolder m_scratch;
   std::wstring m_syncFolder;
-  std::unique_ptr<e2etest::WineExplorer> m_explorer;
+  std::unique_ptr<WineExplorer> m_explorer;
 };
 
+// What Explorer's My Computer window lists is shell32's enumeration of that folder.
 TEST_F(WineExplorerTest, FolderIsListedUnderMyComputer) {
-  m_explorer = std::make_unique<e2etest::WineExplorer>();
-  ASSERT_TRUE(e2etest::WaitUntil([&] { return m_explorer->Window() != nullptr; }, kWait));
-  ASSERT_TRUE(m_explorer->Navigate(kMyComputer));
-  std::vector<std::wstring> items;
-  const bool listed = e2etest::WaitUntil(
-      [&] {
-        HWND list = e2etest::FindDescendant(m_explorer->Window(), L"SysListView32");
-        items = list != nullptr ? e2etest::ListViewItems(list) : std::vector<std::wstring>{};
-        return std::find(items.begin(), items.end(), kFolderName) != items.end();
-      },
-      kWait);
-  std::string seen;
-  for (const std::wstring& item : items) seen += Utf8(item) + "; ";
-  EXPECT_TRUE(listed) << "My Computer lists: " << seen;
+  ASSERT_TRUE(SUCCEEDED(::CoInitialize(nullptr)));
+  {
+    ComPtr<IShellFolder> desktop, myComputer;
+    ASSERT_EQ(::SHGetDesktopFolder(&desktop), S_OK);
+    corvane::unique_pidl location;
+    ASSERT_EQ(::SHParseDisplayName(L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}", nullptr, location.put(), 0, nullptr), S_OK);
+    ASSERT_EQ(desktop->BindToObject(location.get(), nullptr, IID_PPV_ARGS(&myComputer)), S_OK);
+    ComPtr<IEnumIDList> items;
+    ASSERT_EQ(myComputer->EnumObjects(nullptr, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS, &items), S_OK);
+    std::string seen;
+    corvane::unique_pidl item;
+    while (items->Next(1, reinterpret_cast<PITEMID_CHILD*>(item.put()), nullptr) == S_OK) {
+      STRRET name{};
+      wchar_t text[MAX_PATH] = {};
+      if (SUCCEEDED(myComputer->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(item.get()), SHGDN_NORMAL, &name)) &&
+          SUCCEEDED(::StrRetToBufW(&name, reinterpret_cast<PCUITEMID_CHILD>(item.get()), text, MAX_PATH))) {
+        seen += Utf8(text) + "; ";
+      }
+    }
+    EXPECT_NE(seen.find(Utf8(kFolderName) + ";"), std::string::npos) << "My Computer lists: " << seen;
+  }
+  ::CoUninitialize();
 }
 
 // Signed out, then signed in without sync, in one window: the prompt fills Explorer's view area with
@@ -117,70 +179,62 @@ TEST_F(WineExplorerTest, PromptFillsTheViewWithTheFaceOfTheState) {
     ClientState published;
     int button;
   } steps[] = {
-      {"signed out", ClientState::kSignedOut, kLoginButton},
-      {"signed in, sync off", ClientState::kSignedInNoSync, kSettingsButton},
+      {"signed out", ClientState::kSignedOut, 1001},
+      {"signed in, sync off", ClientState::kSignedInNoSync, 1002},
   };
   for (const auto& step : steps) {
     SCOPED_TRACE(step.state);
     testsupport::PublishClientState(step.published, m_syncFolder);
-    HWND prompt = WaitForPrompt();
-    ASSERT_NE(prompt, nullptr);
+    HWND prompt = nullptr;
+    ASSERT_TRUE(WaitUntil(
+        [&] {
+          prompt = FindDescendant(m_explorer->Window(), kPromptClass);
+          return prompt != nullptr && ::IsWindowVisible(prompt);
+        },
+        kWait));
     DWORD pid = 0;
     ::GetWindowThreadProcessId(prompt, &pid);
     EXPECT_EQ(pid, ::GetProcessId(m_explorer->Handle()));
-    EXPECT_EQ(Utf8(e2etest::WindowText(prompt)), Utf8(kFolderName));
+    wchar_t title[64] = {};
+    ::GetWindowTextW(prompt, title, 64);
+    EXPECT_EQ(Utf8(title), Utf8(kFolderName));
     // The view is Explorer's: a child of its browser control, beside the navigation pane.
-    HWND view = ::GetParent(prompt);
     RECT viewRect{}, promptRect{};
-    ::GetWindowRect(view, &viewRect);
+    ::GetWindowRect(::GetParent(prompt), &viewRect);
     ::GetWindowRect(prompt, &promptRect);
     EXPECT_TRUE(::EqualRect(&viewRect, &promptRect));
     EXPECT_GT(viewRect.right - viewRect.left, 200);
     EXPECT_GT(viewRect.bottom - viewRect.top, 200);
-    // Wine's window is smaller than the pictures, so each face is its button alone.
+    // The poll, driven from here rather than waited for; Wine's window is smaller than the
+    // pictures, so each face is its button alone.
     std::vector<int> visible;
-    EXPECT_TRUE(e2etest::WaitUntil(
+    EXPECT_TRUE(WaitUntil(
         [&] {
+          ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
           visible = VisibleButtons(prompt);
           return visible == std::vector<int>{step.button};
         },
         kWait))
         << testing::PrintToString(visible);
-    // Two polls later Explorer is still on the folder.
-    ::Sleep(2500);
-    EXPECT_TRUE(m_explorer->Running());
-    EXPECT_EQ(e2etest::FindDescendant(m_explorer->Window(), kPromptClass), prompt);
+    // After two more polls Explorer is still on the folder.
+    ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
+    ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
+    EXPECT_FALSE(m_explorer->WaitForExit(500));
+    EXPECT_EQ(FindDescendant(m_explorer->Window(), kPromptClass), prompt);
   }
 }
 
-// Signed in with sync on, whether already when the folder opens or from a poll while it is open:
-// the prompt sends the window on to the sync folder, and Wine's explorer then ends by itself, which
-// it does not do in the other states (above). Leaving the folder destroys our view and with it the
-// prompt, whose WM_DESTROY posts WM_QUIT to Explorer's window thread; Wine's explorer.exe leaves its
-// message loop on it and exits with code 0. It does the same when the user navigates away by hand.
-// Screenshots show the sync folder's file list in the window for a few hundred milliseconds before
-// the end; reading that list from here catches it only in some runs, so it is not asserted.
+// Signed in with sync on when the folder opens: at its first poll the prompt sends the window on to
+// the sync folder, and Wine's explorer then ends by itself, which it does not do in the other states
+// (above). Leaving the folder destroys our view and with it the prompt, whose WM_DESTROY posts
+// WM_QUIT to Explorer's window thread; Wine's explorer.exe leaves its message loop on it and exits
+// with code 0. A sync switched on while the folder is open takes the same poll (prompt_test).
 TEST_F(WineExplorerTest, SyncOnLeavesTheFolderAndWineExplorerEnds) {
-  const struct {
-    const char* when;
-    ClientState atOpen;
-  } cases[] = {
-      {"sync on when the folder opens", ClientState::kSyncReady},
-      {"sync switched on while it is open", ClientState::kSignedInNoSync},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.when);
-    ASSERT_NO_FATAL_FAILURE(Open(c.atOpen));
-    if (c.atOpen != ClientState::kSyncReady) {
-      ASSERT_NE(WaitForPrompt(), nullptr);
-      testsupport::PublishClientState(ClientState::kSyncReady, m_syncFolder);
-    }
-    EXPECT_TRUE(m_explorer->WaitForExit(kWait));
-    DWORD code = 1;
-    ::GetExitCodeProcess(m_explorer->Handle(), &code);
-    EXPECT_EQ(code, 0u);
-    m_explorer.reset();
-  }
+  ASSERT_NO_FATAL_FAILURE(Open(ClientState::kSyncReady));
+  EXPECT_TRUE(m_explorer->WaitForExit(kWait));
+  DWORD code = 1;
+  ::GetExitCodeProcess(m_explorer->Handle(), &code);
+  EXPECT_EQ(code, 0u);
 }
 
 }  // namespace

@@ -27,14 +27,6 @@ COLORREF PixelOnBlack(HICON icon, int size, int x, int y) {
 TEST(ModuleIcon, IndexZeroIsTheDrawnIconAtEverySize) {
   const std::wstring dll = moduletest::ProgramFolder() + L"Corvane.dll";
   EXPECT_EQ(::ExtractIconExW(dll.c_str(), -1, nullptr, nullptr, 0), 1u);
-  HICON large = nullptr;
-  HICON small = nullptr;
-  ::ExtractIconExW(dll.c_str(), 0, &large, &small, 1);
-  const corvane::unique_hicon largeOwner(large);
-  const corvane::unique_hicon smallOwner(small);
-  EXPECT_TRUE(largeOwner);
-  EXPECT_TRUE(smallOwner);
-
   for (const int size : {16, 32, 48, 256}) {
     SCOPED_TRACE(size);
     HICON raw = nullptr;

@@ -1,0 +1,377 @@
+// The namespace view from the built Corvane.dll, hosted in this test program (named explorer.exe so
+// the DLL agrees to load) in a plain frame with a fake shell browser: the login prompt's faces by
+// state, size and theme, what its buttons and a drop of folders send to the client (the Halvex.exe
+// stand-in records every command), and the step into the sync folder.
+#include <windows.h>
+#include <wrl/client.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "../client_launcher/standin_session.h"
+#include "../client_registry/saved_value.h"
+#include "../explorer_standin/scratch_folder.h"
+#include "client_state.h"
+#include "core/paths.h"
+#include "corvane_h.h"
+#include "debug_capture.h"
+#include "file_list_data.h"
+#include "log_files.h"
+#include "namespace/main_window.h"
+#include "namespace_host.h"
+#include "platform/com_object.h"
+#include "platform/handles.h"
+#include "platform/module_path.h"
+
+namespace {
+
+using logtest::Utf8;
+using Microsoft::WRL::ComPtr;
+using testsupport::ClientState;
+
+HWND Button(HWND prompt, int index) {
+  const wchar_t* const names[] = {L"a001XXX", L"a002XXX", L"a003XXX", L"a004XXX"};
+  return ::FindWindowExW(prompt, nullptr, L"CorvaneCustomButton", names[index]);
+}
+
+RECT RectIn(HWND window, HWND parent) {
+  RECT rect{};
+  ::GetWindowRect(window, &rect);
+  ::MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&rect), 2);
+  return rect;
+}
+
+// The client area of a window as 0x00RRGGBB pixels, row by row.
+std::vector<DWORD> Capture(HWND window, int width, int height) {
+  std::vector<DWORD> pixels(static_cast<size_t>(width) * height);
+  const corvane::scoped_window_dc screen(window);
+  const corvane::unique_hdc memory(::CreateCompatibleDC(screen.get()));
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB};
+  void* bits = nullptr;
+  const corvane::unique_hbitmap dib(::CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!dib) return pixels;
+  {
+    const corvane::scoped_select selected(memory.get(), dib.get());
+    ::BitBlt(memory.get(), 0, 0, width, height, screen.get(), 0, 0, SRCCOPY);
+  }
+  for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<const DWORD*>(bits)[i] & 0xFFFFFF;
+  return pixels;
+}
+
+// A command the view sends is logged by the view, and a client start by the launcher's gate; both
+// lines also go to the debugger, before the client is started. No such line, no command.
+size_t CommandLines(const testsupport::DebugCapture& capture) {
+  return capture.LinesContaining(L"call cx::exeCloudCommandLine").size() +
+         capture.LinesContaining(L"cx::canCommandExecute.").size();
+}
+
+// The object's reference count, read through an AddRef/Release pair.
+ULONG References(IUnknown* object) {
+  object->AddRef();
+  return object->Release();
+}
+
+class ViewTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
+    m_theme.emplace(false);
+    m_clients = std::make_unique<launchertest::StandinSession>();
+    m_scratch = std::make_unique<standintest::ScratchFolder>();
+    m_syncFolder = m_scratch->MakeFolder(L"同步盘");
+  }
+  void TearDown() override {
+    m_host.reset();
+    nshost::PumpFor(0);
+    testsupport::ClearClientState();
+    m_theme.reset();
+    EXPECT_TRUE(launchertest::WaitForNoClient());
+    m_scratch.reset();
+    m_clients.reset();
+    ::OleUninitialize();
+  }
+
+  // Publishes the state (kSyncReady names the scratch sync folder), then opens a folder of the
+  // This PC class from the DLL and its view in a topmost frame of the given client size.
+  void OpenView(ClientState state, int width, int height) {
+    testsupport::PublishClientState(state, m_syncFolder);
+    m_host = std::make_unique<nshost::NamespaceHost>();
+    // This program lies in <client>\shell\namespace-tests\, the DLL in <client>\shell\.
+    const std::wstring dll = corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll";
+    ASSERT_EQ(m_host->LoadFolder(dll, CLSID_MyShellFolder), S_OK);
+    ASSERT_EQ(m_host->OpenView(width, height), S_OK);
+    // The face tests read the screen; other tests' windows on the same display must not cover it.
+    ::SetWindowPos(m_host->Frame(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    // The poll is driven by Poll(); the real one-second timer would tick in at random.
+    ::KillTimer(Prompt(), CMainWindow::kPollTimer);
+    ::RedrawWindow(m_host->Frame(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    nshost::PumpFor(0);
+  }
+  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
+  HWND Prompt() const { return ::FindWindowExW(m_host->ViewWindow(), nullptr, L"CorvaneMainWindow", nullptr); }
+  // One round of the prompt's one-second poll, and the state post it makes, handled.
+  WPARAM Poll() {
+    ::SendMessageW(Prompt(), WM_TIMER, CMainWindow::kPollTimer, 0);
+    MSG posted{};
+    EXPECT_TRUE(::PeekMessageW(&posted, Prompt(), CMainWindow::kStateChanged, CMainWindow::kStateChanged, PM_REMOVE));
+    ::DispatchMessageW(&posted);
+    return posted.wParam;
+  }
+
+  size_t CommandCount() const { return launchertest::ReadRecords(m_clients->ClientRecord()).size(); }
+  // The next command at the client stand-in, as the client reads its command line.
+  std::string NextCommand(size_t before) {
+    const auto records = launchertest::WaitForRecords(m_clients->ClientRecord(), before + 1);
+    EXPECT_EQ(records.size(), before + 1);
+    // One client at a time: a second start within 8 seconds would close the start-up gate.
+    EXPECT_TRUE(launchertest::WaitForNoClient());
+    return records.size() > before ? Utf8(records.back().commandLine) : "";
+  }
+  static std::string Command(const std::wstring& fields) {
+    const std::wstring client = corvane::core::ParentFolder(corvane::ClientFolder()) + L"Halvex.exe";
+    return Utf8(launchertest::Received(client, L" -shellpopwin \"" + fields + L"\""));
+  }
+
+  std::unique_ptr<launchertest::StandinSession> m_clients;
+  std::unique_ptr<standintest::ScratchFolder> m_scratch;
+  std::wstring m_syncFolder;
+  std::unique_ptr<nshost::NamespaceHost> m_host;
+  std::optional<registrytest::ThemeOverride> m_theme;
+};
+
+TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
+  const struct {
+    ClientState state;
+    int width, height, button;
+    RECT buttonRect;  // in the prompt's client coordinates
+    RECT background;  // the only place outside the button where anything is painted; empty for none
+    bool dark;
+  } faces[] = {
+      {ClientState::kSignedOut, 759, 800, 0, {317, 380, 441, 420}, {}, false},
+      {ClientState::kSignedOut, 760, 414, 0, {318, 374, 442, 414}, {0, 0, 760, 414}, true},
+      {ClientState::kSignedOut, 1001, 601, 0, {438, 467, 562, 507}, {120, 93, 880, 507}, false},
+      {ClientState::kSignedInNoSync, 900, 900, 2, {13, 645, 887, 889}, {13, 10, 887, 889}, true},
+      {ClientState::kSignedInNoSync, 873, 900, 1, {218, 551, 655, 673}, {218, 226, 655, 673}, false},
+      {ClientState::kSignedInNoSync, 436, 900, 3, {140, 430, 297, 470}, {}, true},
+  };
+  for (const auto& face : faces) {
+    SCOPED_TRACE(testing::Message() << face.width << "x" << face.height << (face.dark ? " dark" : " light"));
+    SetDarkTheme(face.dark);
+    OpenView(face.state, face.width, face.height);
+    const HWND prompt = Prompt();
+    ASSERT_NE(prompt, nullptr);
+    EXPECT_TRUE(::IsWindowVisible(prompt));
+    const RECT promptRect = RectIn(prompt, m_host->ViewWindow());
+    EXPECT_EQ(promptRect.right - promptRect.left, face.width);
+    EXPECT_EQ(promptRect.bottom - promptRect.top, face.height);
+    for (int i = 0; i < 4; ++i) {
+      ASSERT_NE(Button(prompt, i), nullptr) << i;
+      EXPECT_EQ(::IsWindowVisible(Button(prompt, i)) != FALSE, i == face.button) << "button " << i;
+      EXPECT_EQ(::GetDlgCtrlID(Button(prompt, i)), i == 0 ? 1001 : 1002);
+    }
+    const RECT shown = RectIn(Button(prompt, face.button), prompt);
+    EXPECT_TRUE(::EqualRect(&shown, &face.buttonRect)) << shown.left << "," << shown.top << "," << shown.right;
+    // Painted pixels (not the theme's brush): inside the button, in the picture's place, nowhere else.
+    const std::vector<DWORD> pixels = Capture(prompt, face.width, face.height);
+    size_t inButton = 0, inPicture = 0, elsewhere = 0;
+    for (int y = 0; y < face.height; ++y) {
+      for (int x = 0; x < face.width; ++x) {
+        if (pixels[static_cast<size_t>(y) * face.width + x] == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
+        const POINT at{x, y};
+        ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
+      }
+    }
+    EXPECT_GT(inButton, 0u);
+    EXPECT_EQ(inPicture > 0, !::IsRectEmpty(&face.background));
+    EXPECT_EQ(elsewhere, 0u);
+    m_host.reset();
+  }
+}
+
+TEST_F(ViewTest, PromptThemeFollowsOnlyAColourSetChangeAndHoverHasNoDarkPicture) {
+  OpenView(ClientState::kSignedOut, 600, 400);
+  const HWND prompt = Prompt();
+  const HWND login = Button(prompt, 0);
+  const RECT rect = RectIn(login, prompt);
+  // A corner of the prompt, and a point inside the button's picture, normal and hovered.
+  const auto colours = [&] {
+    // The setting handler leaves repainting to whoever changed the setting.
+    ::RedrawWindow(prompt, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    const auto picture = [&] {
+      ::RedrawWindow(login, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+      return Capture(prompt, 600, 400)[static_cast<size_t>(rect.top + 20) * 600 + rect.left + 10];
+    };
+    const DWORD corner = Capture(prompt, 600, 400)[5 * 600 + 5], normal = picture();
+    POINT centre{62, 20};
+    ::ClientToScreen(login, &centre);
+    ::SetCursorPos(centre.x, centre.y);
+    ::SendMessageW(login, WM_MOUSEMOVE, 0, MAKELPARAM(62, 20));
+    const DWORD hovered = picture();
+    ::SendMessageW(login, WM_MOUSELEAVE, 0, 0);
+    EXPECT_EQ(picture(), normal) << "the hover picture goes when the mouse leaves";
+    return std::vector<DWORD>{corner, normal, hovered};
+  };
+  const std::vector<DWORD> light = colours();
+  EXPECT_EQ(light[0], 0xFFFFFFu);
+  EXPECT_NE(light[2], light[1]) << "the light hover picture";
+
+  SetDarkTheme(true);
+  ::SendMessageW(prompt, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"immersivecolorset"));
+  EXPECT_EQ(colours(), light) << "the setting's name is compared exactly";
+  ::SendMessageW(prompt, WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(L"ImmersiveColorSet"));
+  const std::vector<DWORD> dark = colours();
+  EXPECT_EQ(dark[0], 0x202020u);
+  EXPECT_NE(dark[1], light[1]) << "the button shows its dark picture";
+  EXPECT_EQ(dark[2], dark[1]) << "there is no dark hover picture";
+}
+
+TEST_F(ViewTest, PromptButtonsSendTheirCommands) {
+  const struct {
+    ClientState state;
+    int button;
+    const wchar_t* fields;
+  } cases[] = {
+      {ClientState::kSignedOut, 0, L"login|from_shell"},
+      {ClientState::kSignedInNoSync, 1, L"syncdisk|open"},
+      {ClientState::kSignedInNoSync, 2, L"syncdisk|open"},
+      {ClientState::kSignedInNoSync, 3, L"syncdisk|open"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << "button " << c.button);
+    OpenView(c.state, 900, 900);
+    const size_t before = CommandCount();
+    // A press and release inside the button, as the mouse delivers them; the button need not show.
+    ::SendMessageW(Button(Prompt(), c.button), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    ::SendMessageW(Button(Prompt(), c.button), WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    EXPECT_EQ(NextCommand(before), Command(c.fields));
+    m_host.reset();
+  }
+}
+
+TEST_F(ViewTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
+  OpenView(ClientState::kSignedInNoSync, 800, 600);
+  EXPECT_EQ(Poll(), 0u);
+  EXPECT_TRUE(m_host->BrowseCalls().empty());
+  testsupport::PublishClientState(ClientState::kSyncReady, m_syncFolder);
+  EXPECT_EQ(Poll(), 1u);
+  ASSERT_EQ(m_host->BrowseCalls().size(), 1u);
+  EXPECT_EQ(m_host->BrowseCalls().front().path, m_syncFolder);
+  EXPECT_EQ(m_host->BrowseCalls().front().flags, 1u) << "SBSP_SAMEBROWSER and nothing else";
+  // Signed out, the poll keeps the sync-ready value it had: it still posts 1, yet nothing browses,
+  // because the step into the folder asks the registry again.
+  testsupport::PublishClientState(ClientState::kSignedOut, m_syncFolder);
+  EXPECT_EQ(Poll(), 1u);
+  EXPECT_EQ(m_host->BrowseCalls().size(), 1u);
+
+  // The view decides the prompt's visibility when it is sized.
+  testsupport::PublishClientState(ClientState::kSyncReady, m_syncFolder);
+  ::SetWindowPos(m_host->Frame(), nullptr, 0, 0, 820, 600, SWP_NOMOVE | SWP_NOZORDER);
+  EXPECT_FALSE(::IsWindowVisible(Prompt()));
+  testsupport::PublishClientState(ClientState::kSignedOut, m_syncFolder);
+  ::SetWindowPos(m_host->Frame(), nullptr, 0, 0, 840, 620, SWP_NOMOVE | SWP_NOZORDER);
+  EXPECT_TRUE(::IsWindowVisible(Prompt()));
+  const RECT prompt = RectIn(Prompt(), m_host->ViewWindow());
+  EXPECT_EQ(prompt.right - prompt.left, 840);
+  EXPECT_EQ(prompt.bottom - prompt.top, 620);
+}
+
+// A drag is offered, moved over the view and taken back, offered again and dropped: the view accepts
+// only a copy of a file list, holds the data object from DragEnter to DragLeave or Drop, and sends
+// the dropped folders (at most five) while the user is signed in.
+TEST_F(ViewTest, DroppedFoldersBecomeOneCommand) {
+  std::vector<std::wstring> folders, files;
+  for (int i = 1; i <= 6; ++i) folders.push_back(m_scratch->MakeFolder(L"文件夹 " + std::to_wstring(i)));
+  for (const wchar_t* name : {L"a.txt", L"b.txt"}) {
+    files.push_back(m_scratch->File(name));
+    ASSERT_TRUE(corvane::unique_file(::CreateFileW(files.back().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)));
+  }
+  const std::wstring fiveFields = L"syncdisk|open_folders|" + folders[0] + L"|" + folders[1] + L"|" + folders[2] + L"|" +
+                                  folders[3] + L"|" + folders[4];
+  const DWORD all = DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK;
+  const struct {
+    const char* what;
+    ClientState state;
+    std::vector<std::wstring> paths;
+    bool fileList;   // offered as CF_HDROP
+    DWORD offered, accepted;
+    const wchar_t* fields;  // null: nothing is sent
+  } cases[] = {
+      {"five folders among files", ClientState::kSignedInNoSync,
+       {files[0], folders[0], folders[1], files[1], folders[2], folders[3], folders[4]}, true, all, DROPEFFECT_COPY,
+       fiveFields.c_str()},
+      {"six folders", ClientState::kSignedInNoSync, folders, true, DROPEFFECT_COPY | DROPEFFECT_LINK, DROPEFFECT_COPY,
+       L"syncdisk|open_invaild"},
+      {"files only", ClientState::kSignedInNoSync, files, true, all, DROPEFFECT_COPY, nullptr},
+      {"signed out", ClientState::kSignedOut, {folders[0], folders[1]}, true, all, DROPEFFECT_COPY, nullptr},
+      {"move only", ClientState::kSignedInNoSync, {folders[0]}, true, DROPEFFECT_MOVE, DROPEFFECT_NONE, nullptr},
+      {"not a file list", ClientState::kSignedInNoSync, {folders[0]}, false, DROPEFFECT_COPY, DROPEFFECT_NONE, nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    OpenView(c.state, 600, 400);
+    ComPtr<IDropTarget> target;
+    ASSERT_EQ(m_host->View()->QueryInterface(IID_PPV_ARGS(&target)), S_OK);
+    auto data = corvane::MakeObject<nshost::CFileListData>(c.paths, c.fileList);
+    const ULONG references = References(data.Get());
+    const size_t before = CommandCount();
+    const testsupport::DebugCapture capture;
+    // A drag the view refuses is never dropped: the system takes it back instead.
+    for (const bool drop : {false, c.accepted != DROPEFFECT_NONE}) {
+      DWORD effect = c.offered;
+      ASSERT_EQ(target->DragEnter(data.Get(), MK_LBUTTON, POINTL{10, 10}, &effect), S_OK);
+      EXPECT_EQ(effect, c.accepted) << "enter";
+      EXPECT_EQ(References(data.Get()), references + 1) << "held from DragEnter";
+      effect = c.offered;
+      EXPECT_EQ(target->DragOver(MK_LBUTTON, POINTL{12, 12}, &effect), S_OK);
+      EXPECT_EQ(effect, c.accepted) << "over";
+      effect = DROPEFFECT_MOVE;
+      EXPECT_EQ(drop ? target->Drop(data.Get(), 0, POINTL{12, 12}, &effect) : target->DragLeave(), S_OK);
+      EXPECT_EQ(References(data.Get()), references) << "let go by " << (drop ? "Drop" : "DragLeave");
+      EXPECT_EQ(effect, drop ? DROPEFFECT_COPY : DROPEFFECT_MOVE) << "a drop is taken as a copy";
+    }
+    EXPECT_EQ(CommandLines(capture), c.fields != nullptr ? 2u : 0u);
+    EXPECT_EQ(c.fields != nullptr ? NextCommand(before) : "", c.fields != nullptr ? Command(c.fields) : "");
+    // The view goes before the host unloads the DLL that holds its code.
+    target.Reset();
+    data.Reset();
+    m_host.reset();
+  }
+}
+
+TEST_F(ViewTest, CtrlVOnlyWritesTheDebuggerLine) {
+  OpenView(ClientState::kSignedInNoSync, 600, 400);
+  // Folders on the clipboard, ready for a paste that must not be sent.
+  const auto data = corvane::MakeObject<nshost::CFileListData>(
+      std::vector<std::wstring>{m_scratch->MakeFolder(L"a"), m_scratch->MakeFolder(L"b")}, true);
+  ASSERT_TRUE(::OpenClipboard(nullptr));
+  ::EmptyClipboard();
+  ASSERT_NE(::SetClipboardData(CF_HDROP, data->MakeDropFiles()), nullptr);
+  ::CloseClipboard();
+
+  const testsupport::DebugCapture capture;
+  BYTE keys[256] = {};
+  ASSERT_TRUE(::GetKeyboardState(keys));
+  const BYTE savedControl = keys[VK_CONTROL];
+  keys[VK_CONTROL] = 0x80;
+  ::SetKeyboardState(keys);
+  ::SendMessageW(m_host->ViewWindow(), WM_KEYDOWN, 'V', 1);
+  // 118 ('v') is taken as well; as a virtual key it is F7, so Ctrl+F7 pastes too.
+  ::SendMessageW(m_host->ViewWindow(), WM_KEYDOWN, 118, 1);
+  keys[VK_CONTROL] = savedControl;
+  ::SetKeyboardState(keys);
+  // Without Ctrl the key is just a key.
+  ::SendMessageW(m_host->ViewWindow(), WM_KEYDOWN, 'V', 1);
+  nshost::PumpFor(0);  // the view posts itself WM_PASTE
+  EXPECT_EQ(capture.LinesContaining(L"CMyShellView::OnPaste called").size(), 2u);
+  EXPECT_EQ(CommandLines(capture), 0u);
+  ::OpenClipboard(nullptr);
+  ::EmptyClipboard();
+  ::CloseClipboard();
+}
+
+}  // namespace
