@@ -18,8 +18,7 @@ namespace launchertest {
 struct StartRecord {
   DWORD pid = 0;
   std::uint64_t startMs = 0;
-  std::wstring directory;
-  std::wstring commandLine;
+  std::wstring directory, commandLine;
 };
 
 std::vector<StartRecord> ReadRecords(const std::wstring& path);
@@ -30,11 +29,12 @@ std::vector<StartRecord> WaitForRecords(const std::wstring& path, size_t count, 
 // process, so every other process's command line would read as unknown.
 cx::CommandLineReader RecordedCommandLines(std::wstring path);
 
-std::uint64_t NowMs();
 // Polls until no Halvex.exe is left; false after timeoutMs.
 bool WaitForNoClient(DWORD timeoutMs = 10000);
 // How the client sees a command: ShellExecuteW quotes the program and adds one blank.
-std::wstring Received(const std::wstring& exe, const std::wstring& parameters);
+inline std::wstring Received(const std::wstring& exe, const std::wstring& parameters) {
+  return L"\"" + exe + L"\"" + (parameters.empty() ? L"" : L" " + parameters);
+}
 
 class StandinSession {
  public:
@@ -52,11 +52,7 @@ class StandinSession {
   std::pair<std::wstring, DWORD> StartClient(const std::wstring& arguments);
 
  private:
-  void KillRecorded(const std::wstring& record);
-
-  std::wstring m_folder;
-  std::wstring m_clientRecord;
-  std::wstring m_dpiRecord;
+  std::wstring m_folder, m_clientRecord, m_dpiRecord;
   std::vector<std::pair<std::wstring, std::wstring>> m_savedEnvironment;
   std::vector<corvane::unique_handle> m_started;
 };

@@ -5,8 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "client_keys.h"
@@ -20,34 +21,37 @@ inline const std::wstring kUser = testsupport::kTestUser;
 inline const std::wstring kUserKey = testsupport::kTestUserKey;
 inline const std::wstring kZoomKey = testsupport::kZoomKey;
 
-// One log line reduced to what the rules fix: its level tag and the message after the location.
+// One log line reduced to its level tag ("[Info]") and the message after the location.
 struct LogLine {
-  std::wstring tag;
-  std::wstring message;
-  bool operator==(const LogLine&) const = default;
+  std::wstring tag, message;
 };
-void PrintTo(const LogLine& line, std::ostream* os);
-
-LogLine Info(std::wstring message);
-LogLine Debug(std::wstring message);
 
 class RegistryTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
 
-  static void DeleteHalvexTree();
-  static void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text);
+  static void DeleteHalvexTree() { ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str()); }
+  static void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text) {
+    SetRaw(subkey, name, REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+  }
   // Arbitrary bytes under any type, for values the client never writes but the readers must survive.
-  static void SetRaw(const std::wstring& subkey, const std::wstring& name, DWORD type, const void* data, DWORD bytes);
+  static void SetRaw(const std::wstring& subkey, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
+    ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str(), type, data, bytes), ERROR_SUCCESS);
+  }
   static void SetUser(const std::wstring& user) { SetText(kRoot, L"currentUser", user); }
   // A signed-in user with sync on, values given as text.
   static void SetUserValue(const std::wstring& name, const std::wstring& text) { SetText(kUserKey, name, text); }
 
-  // A folder created under this test's temporary folder (name may contain backslashes).
-  std::wstring MakeFolder(const std::wstring& name) const;
-  std::wstring MakeFile(const std::wstring& name) const;
-  const std::wstring& Scratch() const { return m_scratch.Path(); }
+  // A folder or a small file under this test's temporary folder (name may contain backslashes).
+  std::wstring MakeFolder(const std::wstring& name) const {
+    std::filesystem::create_directories(m_scratch / name);
+    return m_scratch / name;
+  }
+  std::wstring MakeFile(const std::wstring& name) const {
+    std::ofstream(std::filesystem::path(m_scratch / name)) << "png";
+    return m_scratch / name;
+  }
 
   // The lines logged under [function], in order.
   std::vector<LogLine> LogOf(const std::wstring& function) const;

@@ -13,15 +13,12 @@ namespace registrytest {
 class SavedValue {
  public:
   SavedValue(std::wstring key, std::wstring name) : m_key(std::move(key)), m_name(std::move(name)) {
-    DWORD size = 0;
-    if (::RegGetValueW(HKEY_CURRENT_USER, m_key.c_str(), m_name.c_str(), RRF_RT_ANY, &m_type, nullptr, &size) !=
+    std::vector<BYTE> data(64 * 1024);  // far more than any setting a test changes
+    auto size = static_cast<DWORD>(data.size());
+    if (::RegGetValueW(HKEY_CURRENT_USER, m_key.c_str(), m_name.c_str(), RRF_RT_ANY, &m_type, data.data(), &size) ==
         ERROR_SUCCESS) {
-      return;
-    }
-    m_saved.emplace(size);
-    if (::RegGetValueW(HKEY_CURRENT_USER, m_key.c_str(), m_name.c_str(), RRF_RT_ANY, &m_type, m_saved->data(),
-                       &size) != ERROR_SUCCESS) {
-      m_saved.reset();
+      data.resize(size);
+      m_saved = std::move(data);
     }
   }
   ~SavedValue() {
