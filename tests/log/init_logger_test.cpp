@@ -1,7 +1,6 @@
 // Where the logger puts its file when no folder is given explicitly.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -10,10 +9,11 @@
 
 namespace {
 
-std::wstring ProgramPath() {
+std::wstring ProgramFolder() {
   wchar_t self[MAX_PATH] = {};
   const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-  return std::wstring(self, length);
+  const std::wstring path(self, length);
+  return path.substr(0, path.rfind(L'\\') + 1);
 }
 
 // Deletes the process-wide logger and its file however the test ends.
@@ -34,8 +34,9 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
   cleanup.file = g_pLogger->Path();
 
   // This program runs from <client>\shell, like the DLL.
-  const std::filesystem::path client = std::filesystem::path(ProgramPath()).parent_path().parent_path();
-  EXPECT_EQ(g_pLogger->Folder(), (client / L"log" / L"Corvane").wstring() + L"\\");
+  const std::wstring shell = ProgramFolder();
+  const std::wstring client = shell.substr(0, shell.rfind(L'\\', shell.size() - 2) + 1);
+  EXPECT_EQ(g_pLogger->Folder(), client + L"log\\Corvane\\");
   const std::wstring path = g_pLogger->Path();
   EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(path), L"Corvane", 1)) << testing::PrintToString(path);
 
@@ -60,8 +61,7 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
 TEST(LoggerFolder, AnEmptyFolderMeansTheProgramsOwnFolder) {
   auto logger = std::make_unique<LOGGER::CLogger>(4, L"", L"EmptyFolder");
   const std::wstring path = logger->Path();
-  const std::wstring program = ProgramPath();
-  EXPECT_EQ(logger->Folder(), program.substr(0, program.rfind(L'\\') + 1));
+  EXPECT_EQ(logger->Folder(), ProgramFolder());
   EXPECT_TRUE(logtest::FileExists(path));
   logger.reset();
   ::DeleteFileW(path.c_str());

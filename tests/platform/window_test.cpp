@@ -1,6 +1,7 @@
 // The window base and the subclass wrapper on real windows.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <span>
 #include <stdexcept>
 #include <vector>
@@ -87,15 +88,11 @@ TEST(Window, MessageMapRunsInOrderAndFallsBackToDefault) {
   EXPECT_TRUE(probe.finalSeen);
   EXPECT_EQ(probe.m_hWnd, nullptr);
   EXPECT_TRUE(second.IsWindow());
-}
 
-TEST(Window, DestroyedObjectTakesItsWindowAlong) {
-  HWND window = nullptr;
-  {
-    CProbe probe;
-    window = probe.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW);
-    ASSERT_NE(window, nullptr);
-  }
+  // A destroyed object takes its window along.
+  auto third = std::make_unique<CProbe>();
+  const HWND window = third->Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW);
+  third.reset();
   EXPECT_FALSE(::IsWindow(window));
 }
 
