@@ -9,36 +9,21 @@
 
 namespace {
 
-const wchar_t kAdvanced[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced";
-
-class ShowStatusBarSetting : public ::testing::Test {
- protected:
-  registrytest::SavedValue m_value{kAdvanced, L"ShowStatusBar"};
-};
-
-TEST_F(ShowStatusBarSetting, MissingValueReadsAsHiddenAndEveryCallReadsAfresh) {
+TEST(ShowStatusBarSetting, MissingValueReadsAsHiddenAndEveryCallReadsAfresh) {
+  registrytest::SavedValue value{L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced", L"ShowStatusBar"};
   const CStatusBar statusBar;
-  const DWORD zero = 0, one = 1;
-  struct Case {
-    const char* what;
-    const DWORD* value;  // null: the value is removed, the key stays
+  // Explorer itself shows its status bar when the value is missing; the add-in reads it as off.
+  const struct {
+    int value;  // -1: the value removed, the key kept
     bool shown;
-  };
-  const Case cases[] = {
-      {"DWORD 1", &one, true},
-      // Explorer itself shows its status bar when the value is missing; the add-in reads it as off.
-      {"missing", nullptr, false},
-      {"DWORD 0", &zero, false},
-      {"DWORD 1 again", &one, true},
-      {"missing again", nullptr, false},
-  };
-  for (const Case& c : cases) {
-    if (c.value != nullptr) {
-      ASSERT_TRUE(m_value.WriteDword(*c.value));
+  } cases[] = {{1, true}, {-1, false}, {1, true}, {0, false}};
+  for (const auto& c : cases) {
+    if (c.value < 0) {
+      value.Remove();
     } else {
-      m_value.Remove();
+      ASSERT_TRUE(value.WriteDword(static_cast<DWORD>(c.value)));
     }
-    EXPECT_EQ(statusBar.IsStatusBarShown(), c.shown) << c.what;
+    EXPECT_EQ(statusBar.IsStatusBarShown(), c.shown) << c.value;
   }
 }
 

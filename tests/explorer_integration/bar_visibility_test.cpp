@@ -7,14 +7,15 @@
 namespace integrationtest {
 namespace {
 
-void ExpectLaidOut(const BarState& state, int height) {
+// A strip across the top of the view; the file list gives up exactly that strip. (The strip's
+// height is the bar's own rule, pinned where the bar is tested.)
+void ExpectLaidOut(const BarState& state) {
   ASSERT_TRUE(state.shown) << "the bar is not visible in the view window";
   EXPECT_EQ(state.barInView.top, 0);
   EXPECT_EQ(state.barInView.left, 0);
   EXPECT_EQ(state.barInView.right, state.view.right);
-  EXPECT_EQ(state.barInView.bottom - state.barInView.top, height);
-  // The file list gives up exactly the bar's strip at the top.
-  EXPECT_EQ(state.listInView.top, height);
+  EXPECT_GT(state.barInView.bottom, 20);
+  EXPECT_EQ(state.listInView.top, state.barInView.bottom);
   EXPECT_EQ(state.listInView.bottom, state.view.bottom);
 }
 
@@ -30,8 +31,7 @@ void ExpectRestored(const BarState& state) {
 TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {
   const int id = m_explorer->Open(m_sync);
   ASSERT_NE(id, 0);
-  ExpectLaidOut(WaitForBar(id, true), ExpectedBarHeight());
-  EXPECT_GT(ExpectedBarHeight(), 0);
+  ExpectLaidOut(WaitForBar(id, true));
 
   struct Step {
     const char* what;
@@ -62,7 +62,7 @@ TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {
     Publish(step.login, L"1", step.syncPath);
     const BarState state = WaitForBar(id, step.shown);
     if (step.shown) {
-      ExpectLaidOut(state, ExpectedBarHeight());
+      ExpectLaidOut(state);
     } else {
       ExpectRestored(state);
     }
@@ -72,7 +72,6 @@ TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {
   const auto starts = launchertest::ReadRecords(m_clients->ClientRecord());
   ASSERT_EQ(starts.size(), 1u);
   EXPECT_EQ(starts[0].commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L""));
-  EXPECT_EQ(CountLog(L"Halvex process not exits, call cx::startCloudApp"), 1u);
 }
 
 // Position changes of the view window are layout passes, except those with no height: a minimised
@@ -90,27 +89,22 @@ TEST_F(ExplorerIntegration, ViewPositionChangeWithoutHeightLaysNothingOut) {
   const int width = inParent.right - inParent.left;
   const int height = inParent.bottom - inParent.top;
 
-  struct Case {
+  const struct {
     int cy;
     UINT flags;
     bool laysOut;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {0, SWP_NOSIZE | SWP_NOMOVE, false},
       {0, 0, false},
       {-1, 0, false},
       // Flags are not looked at: a full-height change with SWP_NOSIZE still lays out.
       {height, SWP_NOSIZE | SWP_NOMOVE, true},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     // The list put back at the top: only a layout pass moves it down again.
     ASSERT_TRUE(::SetWindowPos(list, nullptr, 0, 0, laidOut.view.right, laidOut.view.bottom, SWP_NOZORDER | SWP_NOACTIVATE));
     WINDOWPOS wp{view, nullptr, inParent.left, inParent.top, width, c.cy, c.flags};
     ::SendMessageW(view, WM_WINDOWPOSCHANGING, 0, reinterpret_cast<LPARAM>(&wp));
-    const std::wstring logged = L"CDuiViewWindow::OnWindowPosChanging(x = " + std::to_wstring(inParent.left) + L", y = " +
-                                std::to_wstring(inParent.top) + L", cx = " + std::to_wstring(width) + L", cy = " +
-                                std::to_wstring(c.cy) + L"),m_bManaging = 1";
-    EXPECT_GE(CountLog(logged), 1u) << "cy " << c.cy << ": the view subclass never saw the message";
     EXPECT_EQ(Bar(id).listInView.top, c.laysOut ? laidOut.listInView.top : 0) << "cy " << c.cy << ", flags " << c.flags;
   }
 }
@@ -121,7 +115,12 @@ TEST_F(ExplorerIntegration, ClientStartedWhenTheBarShowsWithoutOne) {
   RestartExplorer();
   const int id = m_explorer->Open(m_other);
   ASSERT_NE(id, 0);
-  EXPECT_FALSE(WaitForBar(id, true, 1500).shown);
+  // The check has noted the folder, and decided.
+  const std::wstring noted = L"HWND = " + std::to_wstring(reinterpret_cast<ULONG_PTR>(m_explorer->Handle(id, L"frame"))) +
+                             L" call GetCurrentFolderPath = " + m_other + L".";
+  ASSERT_TRUE(WaitUntil([&] { return CountLog(noted) == 1; }, 3000));
+  ASSERT_EQ(m_explorer->Command(L"sync " + std::to_wstring(id)), L"ok");
+  EXPECT_FALSE(Bar(id).shown);
   EXPECT_TRUE(launchertest::ReadRecords(m_clients->ClientRecord()).empty()) << "started while the bar stays hidden";
 
   ASSERT_EQ(Navigate(id, m_sync), L"ok");
@@ -150,16 +149,18 @@ TEST_F(ExplorerIntegration, EachOfTwoWindowsGetsItsOwnBar) {
   const BarState secondBar = WaitForBar(second, true);
   ASSERT_TRUE(secondBar.shown);
   EXPECT_NE(secondBar.bar, firstBar.bar);
-  ExpectLaidOut(secondBar, ExpectedBarHeight());
+  ExpectLaidOut(secondBar);
+  EXPECT_NE(::GetWindowThreadProcessId(secondBar.frame, nullptr), ::GetWindowThreadProcessId(firstBar.frame, nullptr))
+      << "each window has a thread of its own, as in Explorer";
 
   // Each window follows its own folder.
   ASSERT_EQ(Navigate(first, m_other), L"ok");
   ExpectRestored(WaitForBar(first, false));
-  ExpectLaidOut(WaitForBar(second, true), ExpectedBarHeight());
+  ExpectLaidOut(WaitForBar(second, true));
   ASSERT_EQ(Navigate(second, m_sibling), L"ok");
   ExpectRestored(WaitForBar(second, false));
   ASSERT_EQ(Navigate(first, m_sync), L"ok");
-  ExpectLaidOut(WaitForBar(first, true), ExpectedBarHeight());
+  ExpectLaidOut(WaitForBar(first, true));
 
   // Closing the newer window leaves the older one working.
   ASSERT_EQ(m_explorer->Command(L"close " + std::to_wstring(second)), L"ok");

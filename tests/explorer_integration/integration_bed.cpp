@@ -3,14 +3,13 @@
 #include <shlobj.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
+#include "client_keys.h"
 #include "client_state.h"
 #include "core/paths.h"
 #include "host_process.h"
+#include "log_files.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
 
@@ -18,16 +17,9 @@ namespace integrationtest {
 
 namespace {
 
-constexpr wchar_t kClsid[] = L"{5B1E7C20-3F4A-4D2E-9C61-0A8D2E47B913}";
-constexpr wchar_t kHelperObjects[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Browser Helper Objects\\";
-
-bool WriteString(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& value) {
-  corvane::unique_hkey handle;
-  if (::RegCreateKeyExW(root, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, handle.put(), nullptr) != ERROR_SUCCESS) {
-    return false;
-  }
-  return ::RegSetValueExW(handle.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                          static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
+bool WriteString(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
+  return ::RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, REG_SZ, value.c_str(),
+                           static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
 }
 
 void Regsvr32(const std::wstring& dll, const std::wstring& switches) {
@@ -38,35 +30,26 @@ void Regsvr32(const std::wstring& dll, const std::wstring& switches) {
 }
 
 std::vector<std::wstring> LogFiles(const std::wstring& dllFolder) {
-  std::vector<std::wstring> names;
-  std::error_code error;
-  const std::wstring folder = corvane::core::ParentFolder(dllFolder) + L"log\\Corvane";
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    names.push_back(entry.path().wstring());
-  }
-  return names;
+  const std::wstring folder = corvane::core::ParentFolder(dllFolder) + L"log\\Corvane\\";
+  std::vector<std::wstring> paths;
+  for (const std::wstring& name : logtest::FilesIn(folder)) paths.push_back(folder + name);
+  return paths;
 }
 
+// Read while the add-in may be writing: a half-written last character is left out.
 std::wstring ReadUtf16(const std::wstring& path) {
-  std::ifstream file(std::filesystem::path(path), std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const std::vector<std::uint8_t> bytes = logtest::ReadBytes(path, true);
   std::wstring text(bytes.size() / 2, L'\0');
-  for (size_t i = 0; i < text.size(); ++i) {
-    text[i] = static_cast<wchar_t>(static_cast<unsigned char>(bytes[2 * i]) | static_cast<unsigned char>(bytes[2 * i + 1]) << 8);
-  }
+  for (size_t i = 0; i < text.size(); ++i) text[i] = static_cast<wchar_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
   if (!text.empty() && text.front() == 0xFEFF) text.erase(0, 1);
   return text;
 }
 
-struct FindBar {
-  HWND found = nullptr;
-};
-
 BOOL CALLBACK FindBarProc(HWND hwnd, LPARAM lParam) {
   wchar_t name[64] = {};
   ::GetClassNameW(hwnd, name, 64);
-  if (std::wstring(name) != kBarClass) return TRUE;
-  reinterpret_cast<FindBar*>(lParam)->found = hwnd;
+  if (std::wstring(name) != L"CorvaneTitleWindow") return TRUE;
+  *reinterpret_cast<HWND*>(lParam) = hwnd;
   return FALSE;
 }
 
@@ -108,9 +91,6 @@ void ExplorerIntegration::SetUp() {
   // (machine-wide, since Explorer finds helper objects there only).
   Regsvr32(m_dllFolder + L"Corvane.dll", L"/s");
   m_registered = true;
-  corvane::unique_hkey helper;
-  ASSERT_EQ(::RegOpenKeyExW(HKEY_LOCAL_MACHINE, (std::wstring(kHelperObjects) + kClsid).c_str(), 0, KEY_READ, helper.put()),
-            ERROR_SUCCESS) << "registration did not list the helper object";
 
   RestartExplorer();
 }
@@ -138,19 +118,9 @@ void ExplorerIntegration::TearDown() {
 }
 
 void ExplorerIntegration::Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath) {
-  ASSERT_TRUE(WriteString(HKEY_CURRENT_USER, kClientKey, L"currentUser", kTestUser) &&
-              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"bLogin", login) &&
-              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"bOpenSync", openSync) &&
-              WriteString(HKEY_CURRENT_USER, kTestUserKey, L"syncPath", syncPath));
-}
-
-Headroom ExplorerIntegration::Footprint() const {
-  std::wistringstream reply(m_explorer->Command(L"footprint"));
-  std::wstring ok;
-  Headroom room;
-  reply >> ok >> room.gdi >> room.user;
-  EXPECT_EQ(ok, L"ok");
-  return room;
+  using namespace testsupport;
+  ASSERT_TRUE(WriteString(kClientKey, L"currentUser", kTestUser) && WriteString(kTestUserKey, L"bLogin", login) &&
+              WriteString(kTestUserKey, L"bOpenSync", openSync) && WriteString(kTestUserKey, L"syncPath", syncPath));
 }
 
 std::wstring ExplorerIntegration::ShellPath(const std::wstring& path) {
@@ -165,9 +135,7 @@ BarState ExplorerIntegration::Bar(int id) {
   const HWND frame = m_explorer->Handle(id, L"frame");
   const HWND view = m_explorer->Handle(id, L"duiview");
   const HWND list = m_explorer->Handle(id, L"directui");
-  FindBar find;
-  ::EnumChildWindows(frame, &FindBarProc, reinterpret_cast<LPARAM>(&find));
-  state.bar = find.found;
+  ::EnumChildWindows(frame, &FindBarProc, reinterpret_cast<LPARAM>(&state.bar));
   state.frame = frame;
   if (state.bar == nullptr || view == nullptr) return state;
   state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
@@ -191,23 +159,6 @@ BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
   return state;
 }
 
-int ExplorerIntegration::ExpectedBarHeight() const {
-  // The PNG header holds the height big-endian at bytes 20..23. A bar re-measuring at this moment
-  // rewrites the file, so a read that finds it empty is tried again.
-  int height = 0;
-  WaitUntil(
-      [&] {
-        std::ifstream file(std::filesystem::path(m_dllFolder + L"CorvaneSkin\\detection.png"),
-                           std::ios::binary);
-        unsigned char header[24] = {};
-        file.read(reinterpret_cast<char*>(header), sizeof header);
-        height = header[20] << 24 | header[21] << 16 | header[22] << 8 | header[23];
-        return height > 0;
-      },
-      1000);
-  return height * 16 / 10;
-}
-
 std::vector<std::wstring> ExplorerIntegration::NewLogFiles() const {
   std::vector<std::wstring> made;
   for (std::wstring& path : LogFiles(m_dllFolder)) {
@@ -219,15 +170,10 @@ std::vector<std::wstring> ExplorerIntegration::NewLogFiles() const {
 std::vector<std::wstring> ExplorerIntegration::LogLines() const {
   std::vector<std::wstring> lines;
   for (const std::wstring& path : NewLogFiles()) {
-    const std::wstring text = ReadUtf16(path);
-    size_t start = 0;
-    while (start < text.size()) {
-      size_t end = text.find(L'\n', start);
-      if (end == std::wstring::npos) end = text.size();
-      std::wstring line = text.substr(start, end - start);
+    std::wistringstream text(ReadUtf16(path));
+    for (std::wstring line; std::getline(text, line);) {
       if (!line.empty() && line.back() == L'\r') line.pop_back();
       lines.push_back(std::move(line));
-      start = end + 1;
     }
   }
   return lines;

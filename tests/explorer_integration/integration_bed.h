@@ -15,20 +15,10 @@
 #include "../client_launcher/standin_session.h"
 #include "../explorer_standin/scratch_folder.h"
 #include "../explorer_standin/standin_session.h"
-#include "client_keys.h"
 
 namespace integrationtest {
 
 inline constexpr UINT kBrowseObject = WM_USER + 218;
-inline constexpr wchar_t kBarClass[] = L"CorvaneTitleWindow";
-using testsupport::kClientKey;
-using testsupport::kTestUser;
-using testsupport::kTestUserKey;
-
-// The stand-in's GDI and USER headroom: what the process can still create.
-struct Headroom {
-  long gdi = 0, user = 0;
-};
 
 // Where the bar is, seen from outside the stand-in.
 struct BarState {
@@ -50,21 +40,17 @@ class ExplorerIntegration : public ::testing::Test {
   // read these values every second while a test changes them, and must never meet them missing.
   static void Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath);
 
-  // The GDI and USER objects the stand-in can still create.
-  Headroom Footprint() const;
-
   // A folder's path as the shell spells it (what the add-in reads back from a PIDL).
   static std::wstring ShellPath(const std::wstring& path);
 
   BarState Bar(int id);
   // Polls until the bar's visibility is `shown` (and, shown, laid out) or timeoutMs passes.
   BarState WaitForBar(int id, bool shown, DWORD timeoutMs = 2000);
-  // The bar's height: the re-measured caption picture's height times 1.6, truncated.
-  int ExpectedBarHeight() const;
 
-  // The add-in's log files made since the test began, and their lines.
+  // The add-in's log files made since the test began, and their lines in the order written.
   std::vector<std::wstring> NewLogFiles() const;
   std::vector<std::wstring> LogLines() const;
+  // Lines ending in `text`.
   size_t CountLog(const std::wstring& text) const;
 
   std::wstring Navigate(int id, const std::wstring& location);

@@ -4,7 +4,8 @@
 
 #include <atomic>
 
-#include "probe_protocol.h"
+#include "log_files.h"
+#include "platform/module_path.h"
 
 namespace standintest {
 
@@ -12,27 +13,6 @@ namespace {
 
 constexpr DWORD kConnectTimeoutMs = 20000;
 constexpr DWORD kReplyTimeoutMs = 30000;
-
-std::wstring ProgramFolder() {
-  wchar_t self[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-  const std::wstring path(self, length);
-  return path.substr(0, path.rfind(L'\\') + 1);
-}
-
-std::wstring FullPath(const std::wstring& path) {
-  wchar_t full[MAX_PATH] = {};
-  const DWORD length = ::GetFullPathNameW(path.c_str(), MAX_PATH, full, nullptr);
-  return length != 0 && length < MAX_PATH ? std::wstring(full, length) : path;
-}
-
-std::string ToUtf8(const std::wstring& text) {
-  if (text.empty()) return std::string();
-  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
-  return out;
-}
 
 std::wstring FromUtf8(const std::string& text) {
   if (text.empty()) return std::wstring();
@@ -44,22 +24,14 @@ std::wstring FromUtf8(const std::string& text) {
 
 }  // namespace
 
-std::wstring StandinPath() { return FullPath(ProgramFolder() + L"..\\explorer\\explorer.exe"); }
-std::wstring ProbePath() { return FullPath(ProgramFolder() + L"..\\explorer\\probe\\CorvaneExplorerProbe.dll"); }
-
-StandinSession::StandinSession(const std::wstring& folder, bool keepRunning, const std::vector<std::wstring>& extra) {
+StandinSession::StandinSession(const std::wstring& folder) {
   static std::atomic<int> counter{0};
   m_pipeName = L"\\\\.\\pipe\\corvane-explorer-test-" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(++counter);
-  m_record = folder + L"\\probe-record.txt";
   m_log = folder + L"\\standin.log";
-  ::DeleteFileW(m_record.c_str());
-  // The stand-in, and the probe inside it, inherit the record's place.
-  ::SetEnvironmentVariableW(probe::kRecordVariable, m_record.c_str());
 
-  const std::wstring exe = StandinPath();
-  std::wstring commandLine = L"\"" + exe + L"\" \"--pipe=" + m_pipeName + L"\" \"--log=" + m_log + L"\"";
-  if (keepRunning) commandLine += L" --keep-running";
-  for (const std::wstring& argument : extra) commandLine += L" \"" + argument + L"\"";
+  // The test bed's explorer.exe, in a folder of its own beside this program's.
+  const std::wstring exe = corvane::ClientFolder() + L"explorer\\explorer.exe";
+  std::wstring commandLine = L"\"" + exe + L"\" \"--pipe=" + m_pipeName + L"\" \"--log=" + m_log + L"\" --keep-running";
   STARTUPINFOW startup{sizeof(startup)};
   PROCESS_INFORMATION info{};
   if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
@@ -89,16 +61,10 @@ bool StandinSession::Connect() {
       return true;
     }
     if (m_process && ::WaitForSingleObject(m_process.get(), 0) == WAIT_OBJECT_0) return false;
-    if (::GetLastError() == ERROR_PIPE_BUSY) {
-      ::WaitNamedPipeW(m_pipeName.c_str(), 1000);
-    } else {
-      ::Sleep(50);
-    }
+    ::Sleep(50);
   }
   return false;
 }
-
-void StandinSession::Disconnect() noexcept { m_pipe.reset(); }
 
 bool StandinSession::ReadLine(std::string& line, DWORD timeoutMs) {
   const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;
@@ -126,7 +92,7 @@ bool StandinSession::ReadLine(std::string& line, DWORD timeoutMs) {
 
 std::wstring StandinSession::Command(const std::wstring& line) {
   if (!Connect()) return L"<no channel>";
-  const std::string bytes = ToUtf8(line + L"\n");
+  const std::string bytes = logtest::Utf8(line + L"\n");
   DWORD written = 0;
   if (!::WriteFile(m_pipe.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) return L"<no reply>";
   std::string reply;
@@ -158,12 +124,8 @@ std::optional<DWORD> StandinSession::Quit() {
     const std::wstring reply = Command(L"quit");
     EXPECT_EQ(reply, L"ok");
   }
-  Disconnect();
-  return WaitForExit(20000);
-}
-
-std::optional<DWORD> StandinSession::WaitForExit(DWORD timeoutMs) {
-  if (!m_process || ::WaitForSingleObject(m_process.get(), timeoutMs) != WAIT_OBJECT_0) return std::nullopt;
+  m_pipe.reset();
+  if (::WaitForSingleObject(m_process.get(), 20000) != WAIT_OBJECT_0) return std::nullopt;
   DWORD code = 0;
   ::GetExitCodeProcess(m_process.get(), &code);
   return code;

@@ -4,22 +4,15 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/handles.h"
 
 namespace standintest {
 
-// The test bed's explorer.exe: <test bed>\Halvex\explorer\explorer.exe, beside this program's folder.
-std::wstring StandinPath();
-// The probe helper object's DLL in the test bed.
-std::wstring ProbePath();
-
 class StandinSession {
  public:
-  // Starts the stand-in with a private pipe and log in `folder`; the probe records to RecordPath().
-  // keepRunning adds --keep-running; extra arguments follow.
-  StandinSession(const std::wstring& folder, bool keepRunning = true, const std::vector<std::wstring>& extra = {});
+  // Starts the stand-in with a private pipe and log in `folder`, running until told to quit.
+  explicit StandinSession(const std::wstring& folder);
   StandinSession(const StandinSession&) = delete;
   StandinSession& operator=(const StandinSession&) = delete;
   // Quits the stand-in if it still runs; ends it by force if it does not go.
@@ -27,7 +20,6 @@ class StandinSession {
 
   // Connects (retrying while the stand-in starts); false if no channel appeared in time.
   bool Connect();
-  void Disconnect() noexcept;
   // One command, one reply line; "<no reply>" when the channel broke or stayed silent.
   std::wstring Command(const std::wstring& line);
 
@@ -37,16 +29,13 @@ class StandinSession {
 
   // Sends quit and waits for the process; its exit code, nullopt if it did not end in time.
   std::optional<DWORD> Quit();
-  std::optional<DWORD> WaitForExit(DWORD timeoutMs);
 
-  const std::wstring& RecordPath() const noexcept { return m_record; }
   std::wstring LogText() const;
 
  private:
   bool ReadLine(std::string& line, DWORD timeoutMs);
 
   std::wstring m_pipeName;
-  std::wstring m_record;
   std::wstring m_log;
   corvane::unique_handle m_process;
   corvane::unique_file m_pipe;

@@ -1,12 +1,10 @@
 // The add-in inside the Explorer stand-in when its surroundings fail: the client gone, a file where
 // the log folder belongs, a skin that cannot be written, has lost its pictures or holds broken ones,
-// and no WMI. In each the bar is still made and laid out, the stand-in stays alive, every round trip
-// to it stays under a second, and windows opened and closed under the fault cost no GDI or USER
-// object.
+// and no WMI. In each a window still gets its bar laid out, follows navigation and closes, and the
+// stand-in goes on answering (a hang shows as a channel reply that never comes).
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <iostream>
 #include <iterator>
 
 #include "core/paths.h"
@@ -20,37 +18,36 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr ULONGLONG kHangMs = 1000;
-// Opening a window also starts the DPI tool, a process start that Wine stretches past a second on a
-// loaded machine; the second applies to everything done in an open window.
-constexpr ULONGLONG kOpenMs = 5000;
-// Headroom the stand-in may lose across a soak without a leak: other threads of the process (COM,
-// the channel) may hold an object or two at the moment of measuring. Every soak opens more windows
-// than this, so a leak of one object per window still shows.
-constexpr long kSlack = 3;
-
-struct FindChild {
-  int id;
-  HWND found;
-};
-
-BOOL CALLBACK FindChildProc(HWND hwnd, LPARAM lParam) {
-  auto* find = reinterpret_cast<FindChild*>(lParam);
-  if (::GetDlgCtrlID(hwnd) != find->id) return TRUE;
-  find->found = hwnd;
-  return FALSE;
-}
-
 // A window below parent, at any depth, with the control id.
 HWND Descendant(HWND parent, int id) {
-  FindChild find{id, nullptr};
-  ::EnumChildWindows(parent, &FindChildProc, reinterpret_cast<LPARAM>(&find));
-  return find.found;
+  std::pair<int, HWND> find{id, nullptr};
+  ::EnumChildWindows(
+      parent,
+      [](HWND hwnd, LPARAM lParam) -> BOOL {
+        auto* find = reinterpret_cast<std::pair<int, HWND>*>(lParam);
+        if (::GetDlgCtrlID(hwnd) != find->first) return TRUE;
+        find->second = hwnd;
+        return FALSE;
+      },
+      reinterpret_cast<LPARAM>(&find));
+  return find.second;
 }
 
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+// A message to a window of the bar, handled on the stand-in's window thread.
+void Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  DWORD_PTR result = 0;
+  EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, 10000, &result), 0)
+      << "message " << message << " not handled";
+}
+
+void Click(HWND window) {
+  Send(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+  Send(window, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+}
 
 // Wine takes a program's DLL overrides from the WINEDLLOVERRIDES it was started with, which a Windows
 // parent cannot change for its child (Wine's own variables pass from Unix parent to child), or from
@@ -58,19 +55,12 @@ Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end());
 class WmiProviderDisabled {
  public:
   WmiProviderDisabled() {
-    Remove();
-    corvane::unique_hkey key;
-    EXPECT_EQ(::RegCreateKeyExW(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_WRITE, nullptr, key.put(), nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(::RegSetValueExW(key.get(), L"wbemprox", 0, REG_SZ, reinterpret_cast<const BYTE*>(L""), sizeof(wchar_t)),
-              ERROR_SUCCESS);
+    EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"wbemprox", REG_SZ, L"", sizeof(wchar_t)), ERROR_SUCCESS);
   }
-  ~WmiProviderDisabled() { Remove(); }
-  WmiProviderDisabled(const WmiProviderDisabled&) = delete;
-  WmiProviderDisabled& operator=(const WmiProviderDisabled&) = delete;
+  ~WmiProviderDisabled() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"wbemprox"); }
 
  private:
   static constexpr wchar_t kKey[] = L"Software\\Wine\\AppDefaults\\explorer.exe\\DllOverrides";
-  static void Remove() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"wbemprox"); }
 };
 
 // The add-in runs from a private copy of the installation (DLL, skin and DPI tool in Halvex\shell,
@@ -93,69 +83,28 @@ class EnvironmentFault : public ExplorerIntegration {
   std::wstring ClientExe() const { return corvane::core::ParentFolder(m_dllFolder) + L"Halvex.exe"; }
   std::wstring Skin() const { return m_dllFolder + L"CorvaneSkin\\"; }
 
-  // A round trip to the stand-in, which must answer within a second (an open within kOpenMs).
-  std::wstring Timed(const std::wstring& line) {
-    const bool open = line.compare(0, 5, L"open ") == 0;
-    const ULONGLONG start = ::GetTickCount64();
-    std::wstring reply = m_explorer->Command(line);
-    const ULONGLONG took = ::GetTickCount64() - start;
-    EXPECT_LT(took, open ? kOpenMs : kHangMs) << testing::PrintToString(line) << " took " << took << " ms";
-    ULONGLONG& slowest = open ? m_slowestOpen : m_slowest;
-    slowest = std::max(slowest, took);
-    return reply;
+  // A window on the sync folder: its bar laid out (barHeight tall, unless 0), navigated away and
+  // back, and closed.
+  void ExpectAWindowWorks(int barHeight = 0) {
+    const int id = m_explorer->Open(m_sync);
+    ASSERT_NE(id, 0);
+    const BarState state = WaitForBar(id, true, 5000);
+    ASSERT_TRUE(state.shown);
+    if (barHeight != 0) {
+      EXPECT_EQ(state.barInView.bottom - state.barInView.top, barHeight);
+    }
+    ExpectFollowsAndCloses(id);
   }
 
-  // A message to a window of the bar, which must be handled within a second.
-  void TimedSend(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const ULONGLONG start = ::GetTickCount64();
-    DWORD_PTR result = 0;
-    EXPECT_NE(::SendMessageTimeoutW(window, message, wParam, lParam, SMTO_NORMAL, 10000, &result), 0)
-        << "message " << message << " not handled";
-    const ULONGLONG took = ::GetTickCount64() - start;
-    EXPECT_LT(took, kHangMs) << "message " << message << " took " << took << " ms";
-    m_slowest = std::max(m_slowest, took);
-  }
-
-  int BarHeight(int id) {
-    const BarState state = Bar(id);
-    return state.barInView.bottom - state.barInView.top;
-  }
-
-  // A window opened on the sync folder, its bar shown and laid out, navigated away and back, and
-  // closed: once to warm up, then `cycles` times. Every round trip stays under a second, and the
-  // GDI and USER headroom of the stand-in is where it was after the warm-up.
-  void ExpectCyclesHealthy(int cycles) {
-    const auto cycle = [&] {
-      const std::wstring opened = Timed(L"open " + m_sync);
-      ASSERT_EQ(opened.compare(0, 3, L"ok "), 0) << testing::PrintToString(opened);
-      const std::wstring id = opened.substr(3);
-      ASSERT_TRUE(WaitForBar(std::stoi(id), true, 5000).shown);
-      // Measured from the caption picture as it is on disk: a bar laid out before its caption was
-      // measured takes its height a moment later.
-      int height = 0;
-      EXPECT_TRUE(WaitUntil([&] { return (height = BarHeight(std::stoi(id))) == ExpectedBarHeight(); }, 3000))
-          << "bar height " << height << ", caption says " << ExpectedBarHeight();
-      EXPECT_EQ(Timed(L"navigate " + id + L" " + m_other), L"ok");
-      EXPECT_EQ(Timed(L"navigate " + id + L" " + m_inside), L"ok");
-      EXPECT_EQ(Timed(L"sync " + id), L"ok");
-      EXPECT_EQ(Timed(L"folder " + id), L"ok " + m_inside);
-      EXPECT_EQ(Timed(L"close " + id), L"ok");
-    };
-    cycle();
-    const Headroom before = Footprint();
-    for (int i = 0; i < cycles && !HasFatalFailure(); ++i) cycle();
-    const Headroom after = Footprint();
-    EXPECT_LE(before.gdi - after.gdi, kSlack) << "GDI objects lost over " << cycles << " windows";
-    EXPECT_LE(before.user - after.user, kSlack) << "USER objects lost over " << cycles << " windows";
-    EXPECT_EQ(Timed(L"windows"), L"ok") << "the stand-in no longer answers";
-    std::cout << "[ cycles   ] " << cycles << " windows: slowest open " << m_slowestOpen << " ms, other round trip "
-              << m_slowest << " ms; headroom GDI " << before.gdi << " -> " << after.gdi << ", USER "
-              << before.user << " -> " << after.user << std::endl;
+  void ExpectFollowsAndCloses(int id) {
+    EXPECT_EQ(Navigate(id, m_other), L"ok");
+    EXPECT_FALSE(WaitForBar(id, false).shown);
+    EXPECT_EQ(Navigate(id, m_inside), L"ok");
+    EXPECT_TRUE(WaitForBar(id, true).shown);
+    EXPECT_EQ(m_explorer->Command(L"close " + std::to_wstring(id)), L"ok");
   }
 
   standintest::ScratchFolder m_install;
-  ULONGLONG m_slowestOpen = 0;
-  ULONGLONG m_slowest = 0;
 };
 
 TEST_F(EnvironmentFault, WithoutTheClientEveryBarActionIsLoggedAndNothingStarts) {
@@ -197,17 +146,16 @@ TEST_F(EnvironmentFault, WithoutTheClientEveryBarActionIsLoggedAndNothingStarts)
     };
     const auto before = count();
     if (action.message == kClick) {
-      TimedSend(action.window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
-      TimedSend(action.window, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+      Click(action.window);
     } else {
-      TimedSend(action.window, action.message, action.wParam, MAKELPARAM(3, 3));
+      Send(action.window, action.message, action.wParam, MAKELPARAM(3, 3));
     }
     EXPECT_TRUE(WaitUntil([&] { return count() > before; }, 2000)) << "no log line for the command";
   }
-  EXPECT_FALSE(WaitUntil([&] { return !launchertest::ReadRecords(m_clients->ClientRecord()).empty(); }, 1500))
-      << "a client started although none is installed";
-  EXPECT_EQ(Timed(L"close " + std::to_wstring(id)), L"ok");
-  ExpectCyclesHealthy(10);
+  ExpectFollowsAndCloses(id);
+  // Read after the window's whole life: a client started by any of the actions has long written its
+  // record by now.
+  EXPECT_TRUE(launchertest::ReadRecords(m_clients->ClientRecord()).empty()) << "a client started although none is installed";
 }
 
 TEST_F(EnvironmentFault, AFileWhereTheLogFolderBelongsLeavesTheAddInWorking) {
@@ -219,16 +167,7 @@ TEST_F(EnvironmentFault, AFileWhereTheLogFolderBelongsLeavesTheAddInWorking) {
   logtest::WriteBytes(blocker, BytesOf("in the way"));
   ASSERT_TRUE(fs::is_regular_file(blocker));
 
-  const int id = m_explorer->Open(m_sync);
-  ASSERT_NE(id, 0);
-  EXPECT_TRUE(WaitForBar(id, true).shown);
-  EXPECT_EQ(Timed(L"navigate " + std::to_wstring(id) + L" " + m_other), L"ok");
-  EXPECT_FALSE(WaitForBar(id, false).shown);
-  EXPECT_EQ(Timed(L"navigate " + std::to_wstring(id) + L" " + m_inside), L"ok");
-  EXPECT_TRUE(WaitForBar(id, true).shown);
-  EXPECT_EQ(Timed(L"close " + std::to_wstring(id)), L"ok");
-  ExpectCyclesHealthy(10);
-
+  ExpectAWindowWorks();
   EXPECT_EQ(logtest::ReadBytes(blocker), BytesOf("in the way"));
   EXPECT_EQ(std::distance(fs::directory_iterator(logs), fs::directory_iterator()), 1) << "written beside the log folder";
 }
@@ -239,15 +178,11 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
     if (entry.path().extension() == L".png") pictures.emplace_back(entry.path().wstring(), logtest::ReadBytes(entry.path().wstring()));
   }
   ASSERT_GT(pictures.size(), 20u);
-  const auto opened = [&](const char* what) {
-    SCOPED_TRACE(what);
-    ExpectCyclesHealthy(5);
-    EXPECT_GT(ExpectedBarHeight(), 0);
-  };
-
   {
+    SCOPED_TRACE("unwritable");
     // Nothing in the folder can be written: the caption picture that sets the bar's height cannot
-    // be rendered, so the bar keeps the height of the one on disk, here a taller picture's.
+    // be rendered, so the bar takes its height from the one on disk, here the 28-pixel logo: 1.6
+    // times that, truncated.
     const std::wstring detection = Skin() + L"detection.png";
     ASSERT_TRUE(::CopyFileW((Skin() + L"logo1.png").c_str(), detection.c_str(), FALSE));
     const Bytes before = logtest::ReadBytes(detection);
@@ -259,15 +194,16 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
     const corvane::unique_file probe(::CreateFileW(detection.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                    nullptr, OPEN_EXISTING, 0, nullptr));
     ASSERT_FALSE(probe) << "the pictures can still be written";
-    opened("unwritable");
+    ExpectAWindowWorks(44);
     EXPECT_EQ(logtest::ReadBytes(detection), before);
-    EXPECT_EQ(ExpectedBarHeight(), 28 * 16 / 10);
   }
   {
+    SCOPED_TRACE("no pictures");
     for (const auto& picture : pictures) fs::remove(picture.first);
-    opened("no pictures");
+    ExpectAWindowWorks();
   }
   {
+    SCOPED_TRACE("broken pictures");
     // Every other picture cut in half, the rest noise behind a PNG signature.
     size_t i = 0;
     for (const auto& picture : pictures) {
@@ -277,35 +213,22 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
       if (!cut) broken.resize(8 + bytes.size(), 0x5A);
       logtest::WriteBytes(picture.first, broken);
     }
-    opened("broken pictures");
+    ExpectAWindowWorks();
   }
 }
 
 TEST_F(EnvironmentFault, WithoutWmiEveryClientProcessCountsAsAMainProcess) {
-  const auto clientRecords = [&] { return launchertest::ReadRecords(m_clients->ClientRecord()).size(); };
   const auto clickSyncProgress = [&](int id) {
     const HWND button = Descendant(WaitForBar(id, true).bar, 4001);
     ASSERT_NE(button, nullptr);
-    TimedSend(button, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
-    TimedSend(button, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
+    Click(button);
   };
 
-  // With WMI: the start-up gate asks it for the running client's command line.
-  int id = m_explorer->Open(m_sync);
-  ASSERT_NE(id, 0);
-  ASSERT_TRUE(WaitForBar(id, true).shown);
-  ASSERT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 1).size(), 1u);
-  clickSyncProgress(id);
-  EXPECT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 2).size(), 2u);
-  EXPECT_NE(m_explorer->Command(L"canunload wbemprox.dll"), L"ok unloaded") << "the gate never asked WMI";
-
-  // Without: a fresh stand-in in which WMI's provider cannot load, and no client running.
-  m_clients.reset();
-  m_clients = std::make_unique<launchertest::StandinSession>();
-  ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"60000");
+  // A fresh stand-in in which WMI's provider cannot load. (That the gate asks WMI when it can is
+  // the launcher tests' concern.)
   const WmiProviderDisabled noWmi;
   RestartExplorer();
-  id = m_explorer->Open(m_sync);
+  const int id = m_explorer->Open(m_sync);
   ASSERT_NE(id, 0);
   ASSERT_TRUE(WaitForBar(id, true).shown);
   ASSERT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 1).size(), 1u);
@@ -316,15 +239,15 @@ TEST_F(EnvironmentFault, WithoutWmiEveryClientProcessCountsAsAMainProcess) {
   EXPECT_EQ(m_explorer->Command(L"canunload wbemprox.dll"), L"ok unloaded") << "WMI was there after all";
 
   // A helper of the client started just now: its "--type=" cannot be read, so it counts as a second
-  // main process and the gate holds the command back.
+  // main process and the gate holds the command back; the click logs the command it did not give
+  // (an empty one) before it returns, so nothing started after it.
   m_clients->StartClient(L"--type=renderer");
   ASSERT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 3).size(), 3u);
   const size_t refusedBefore = CountLog(L"call cx::exeCloudCommandLine = .");
   clickSyncProgress(id);
-  EXPECT_TRUE(WaitUntil([&] { return CountLog(L"call cx::exeCloudCommandLine = .") == refusedBefore + 1; }, 2000));
-  EXPECT_FALSE(WaitUntil([&] { return clientRecords() > 3; }, 1500)) << "the command went through the gate";
-  EXPECT_EQ(Timed(L"close " + std::to_wstring(id)), L"ok");
-  ExpectCyclesHealthy(10);
+  EXPECT_EQ(CountLog(L"call cx::exeCloudCommandLine = ."), refusedBefore + 1);
+  ExpectFollowsAndCloses(id);
+  EXPECT_EQ(launchertest::ReadRecords(m_clients->ClientRecord()).size(), 3u) << "the command went through the gate";
 }
 
 }  // namespace

@@ -213,10 +213,11 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
   if (command == L"folder") {
     return onWindow([](ExplorerWindow& target) { return L"ok " + target.CurrentFolder(); });
   }
-  if (command == L"resite") {
-    return onWindow([](ExplorerWindow& target) {
+  if (command == L"resite" || command == L"unsite") {
+    const bool withSite = command == L"resite";
+    return onWindow([withSite](ExplorerWindow& target) {
       std::wstring results;
-      for (const HRESULT hr : target.SiteHelpersAgain()) results += L" " + HexResult(hr);
+      for (const HRESULT hr : target.SiteHelpersAgain(withSite)) results += L" " + HexResult(hr);
       return L"ok" + results;
     });
   }

@@ -13,6 +13,7 @@
 //   send <id> <msg> <wparam> <lparam>  → ok <result>   SendMessage to the frame
 //   sync <id>                          → ok            returns once work queued before it has run
 //   resite <id>                        → ok <hresult>… SetSite(browser) again on each helper object
+//   unsite <id>                        → ok <hresult>… SetSite(NULL) on each, no OnQuit; kept loaded
 //   connections                        → ok <advised> <unadvised> <refused>  event-sink calls so far
 //   footprint                          → ok <gdi> <user> <working set>  headroom left and bytes
 //   counter <dll name> <export>        → ok <value>    a loaded DLL's exported LONG WINAPI f(void)

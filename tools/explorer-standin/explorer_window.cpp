@@ -124,9 +124,9 @@ void ExplorerWindow::Close() {
   if (m_frame.IsWindow()) m_frame.DestroyWindow();
 }
 
-std::vector<HRESULT> ExplorerWindow::SiteHelpersAgain() {
+std::vector<HRESULT> ExplorerWindow::SiteHelpersAgain(bool withSite) {
   if (m_closing || !m_browser) return {};
-  return m_helpers.SiteAgain(static_cast<IShellBrowser*>(m_browser.Get()));
+  return m_helpers.SiteAgain(withSite ? static_cast<IShellBrowser*>(m_browser.Get()) : nullptr);
 }
 
 std::wstring ExplorerWindow::CurrentFolder() {

@@ -45,8 +45,9 @@ class ExplorerWindow final : private FrameEvents {
   HRESULT Navigate(const std::wstring& location);
   void Navigate(corvane::unique_pidl pidl);
   void Close();
-  // The helper objects' results of a second SetSite with this window's browser.
-  std::vector<HRESULT> SiteHelpersAgain();
+  // The helper objects' results of a second SetSite with this window's browser, or with NULL
+  // (the site taken away while the window stays open, with no OnQuit before it).
+  std::vector<HRESULT> SiteHelpersAgain(bool withSite = true);
 
   std::wstring CurrentFolder();
   const WindowHandles& Handles() const noexcept { return m_handles; }

@@ -24,8 +24,8 @@ class HelperObjects {
   // Creates each one and calls SetSite(site) at once. An object whose SetSite fails is kept, as
   // Explorer keeps it: it still gets SetSite(NULL) when the window closes.
   void Load(IUnknown* site);
-  // SetSite(site) once more on every loaded object, as a host that hands its site out again would;
-  // each object's result in load order.
+  // SetSite(site) once more on every loaded object, as a host that hands its site out again (or
+  // takes it away, with NULL) would; each object's result in load order.
   std::vector<HRESULT> SiteAgain(IUnknown* site);
   // SetSite(NULL) and release, in the order they were loaded.
   void Unload() noexcept;
