@@ -1,7 +1,7 @@
 // The COM base, the class factory and the module lock, on objects of the tests' own.
 #include <gtest/gtest.h>
-#include <objidl.h>
-#include <ocidl.h>
+#include <oleidl.h>
+#include <shobjidl.h>
 
 #include <array>
 
@@ -14,36 +14,22 @@ namespace {
 
 int g_destroyed = 0;
 
-class CPlain : public corvane::ComObject<CPlain, IPersistStream, corvane::ComAlias<IPersist, IPersistStream>, IObjectWithSite> {
+// Objects of the tests' own; their methods only have to exist.
+class CPlain : public corvane::ComObject<CPlain, IPersistFolder, corvane::ComAlias<IPersist, IPersistFolder>, IOleWindow> {
  public:
-  CPlain() = default;
   ~CPlain() override { ++g_destroyed; }
-  // IPersist / IPersistStream
-  IFACEMETHODIMP GetClassID(CLSID* clsid) override {
-    *clsid = CLSID_NULL;
-    return S_OK;
-  }
-  IFACEMETHODIMP IsDirty() override { return S_FALSE; }
-  IFACEMETHODIMP Load(IStream*) override { return E_NOTIMPL; }
-  IFACEMETHODIMP Save(IStream*, BOOL) override { return E_NOTIMPL; }
-  IFACEMETHODIMP GetSizeMax(ULARGE_INTEGER*) override { return E_NOTIMPL; }
-  // IObjectWithSite
-  IFACEMETHODIMP SetSite(IUnknown*) override { return S_OK; }
-  IFACEMETHODIMP GetSite(REFIID, void** ppv) override {
-    *ppv = nullptr;
-    return E_FAIL;
-  }
+  IFACEMETHODIMP GetClassID(CLSID*) override { return E_NOTIMPL; }
+  IFACEMETHODIMP Initialize(PCIDLIST_ABSOLUTE) override { return E_NOTIMPL; }
+  IFACEMETHODIMP GetWindow(HWND*) override { return E_NOTIMPL; }
+  IFACEMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
 };
 
-class CAggregatable : public corvane::ComObject<CAggregatable, IObjectWithSite> {
+class CAggregatable : public corvane::ComObject<CAggregatable, IOleWindow> {
  public:
   static constexpr bool kAggregatable = true;
   ~CAggregatable() override { ++g_destroyed; }
-  IFACEMETHODIMP SetSite(IUnknown*) override { return S_OK; }
-  IFACEMETHODIMP GetSite(REFIID, void** ppv) override {
-    *ppv = nullptr;
-    return E_FAIL;
-  }
+  IFACEMETHODIMP GetWindow(HWND*) override { return E_NOTIMPL; }
+  IFACEMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
 };
 
 // An outer object that counts what the inner one delegates to it.
@@ -88,8 +74,8 @@ TEST(ComObject, AnswersEveryInterfaceWithOneIdentityAndCountsReferences) {
     ComPtr<IUnknown> identity;
     ASSERT_HRESULT_SUCCEEDED(object.As(&identity));
     ComPtr<IPersist> persist;
-    ComPtr<IPersistStream> stream;
-    ComPtr<IObjectWithSite> site;
+    ComPtr<IPersistFolder> stream;
+    ComPtr<IOleWindow> site;
     ASSERT_HRESULT_SUCCEEDED(object.As(&persist));
     ASSERT_HRESULT_SUCCEEDED(object.As(&stream));
     ASSERT_HRESULT_SUCCEEDED(object.As(&site));
@@ -114,7 +100,7 @@ TEST(ComObject, AnswersEveryInterfaceWithOneIdentityAndCountsReferences) {
 TEST(ClassFactory, ServesTheTableAndRefusesUnknownClasses) {
   ComPtr<IClassFactory> factory;
   ASSERT_HRESULT_SUCCEEDED(corvane::GetClassObjectFromTable(kTable, kPlainClsid, IID_PPV_ARGS(&factory)));
-  ComPtr<IObjectWithSite> site;
+  ComPtr<IOleWindow> site;
   ASSERT_HRESULT_SUCCEEDED(factory->CreateInstance(nullptr, IID_PPV_ARGS(&site)));
   EXPECT_EQ(RefCount(site.Get()), 1u);
 
@@ -137,7 +123,7 @@ TEST(ClassFactory, AggregatesOnlyClassesThatAllowItAndOnlyForIUnknown) {
   EXPECT_EQ(plainFactory->CreateInstance(&outer, __uuidof(IUnknown), reinterpret_cast<void**>(&refused)),
             CLASS_E_NOAGGREGATION);
   EXPECT_EQ(refused, nullptr);
-  IObjectWithSite* wrongIid = nullptr;
+  IOleWindow* wrongIid = nullptr;
   EXPECT_EQ(aggFactory->CreateInstance(&outer, IID_PPV_ARGS(&wrongIid)), CLASS_E_NOAGGREGATION);
 
   g_destroyed = 0;
@@ -146,7 +132,7 @@ TEST(ClassFactory, AggregatesOnlyClassesThatAllowItAndOnlyForIUnknown) {
   outer.inner = inner.Get();
 
   // Interfaces of the inner object delegate their IUnknown to the outer object.
-  ComPtr<IObjectWithSite> site;
+  ComPtr<IOleWindow> site;
   ASSERT_HRESULT_SUCCEEDED(inner.As(&site));
   EXPECT_EQ(outer.refs, 2u) << "the interface pointer counts on the outer object";
   ComPtr<IUnknown> identity;
