@@ -34,10 +34,6 @@ std::vector<std::wstring> LogOfHost(const std::wstring& folder, const std::vecto
   return messages;
 }
 
-std::vector<std::wstring> Attached(const std::wstring& hostPath) {
-  return {L"DLL PROCESS ATTACH", L"ower app = " + hostPath, L"DLL PROCESS DETACH"};
-}
-
 TEST(DllHost, ExplorerAndTheRegistrationToolAreTheOnlyHosts) {
   const struct {
     const wchar_t* host;  // under <program folder>\hosts\ .
@@ -70,29 +66,9 @@ TEST(DllHost, ExplorerAndTheRegistrationToolAreTheOnlyHosts) {
       EXPECT_EQ(run.values[L"free"], L"ok");
     }
     // A refused attach is followed by the detach that deletes the logger, as for a freed DLL.
-    EXPECT_EQ(LogOfHost(logFolder, before, hostPath), Attached(hostPath));
+    EXPECT_EQ(LogOfHost(logFolder, before, hostPath),
+              (std::vector<std::wstring>{L"DLL PROCESS ATTACH", L"ower app = " + hostPath, L"DLL PROCESS DETACH"}));
   }
-}
-
-TEST(DllHost, ADllPathPast260CharactersStillLogsBesideTheClient) {
-  // <client>\shell\Corvane.dll of 265 characters: the 260-character read cuts into the file name,
-  // and the folder before its last backslash is still the DLL's own.
-  const logtest::TempFolder scratch;
-  const std::wstring tail = L"\\shell\\Corvane.dll";
-  const std::wstring client = scratch.Path() + L"\\" + std::wstring(265 - scratch.Path().size() - 1 - tail.size(), L'c');
-  const std::wstring dll = client + tail;
-  ASSERT_EQ(dll.size(), 265u);
-  if (!::CreateDirectoryW(client.c_str(), nullptr) || !::CreateDirectoryW((client + L"\\shell").c_str(), nullptr) ||
-      !::CopyFileW((moduletest::ProgramFolder() + L"Corvane.dll").c_str(), dll.c_str(), TRUE) ||
-      !::CreateDirectoryW((client + L"\\log").c_str(), nullptr) ||
-      !::CreateDirectoryW((client + L"\\log\\Corvane").c_str(), nullptr)) {
-    GTEST_SKIP() << "this system refuses paths past 260 characters";
-  }
-  const std::wstring hostPath = moduletest::ProgramFolder() + L"hosts\\plain\\explorer.exe";
-  moduletest::HostRun run = moduletest::RunHost(hostPath, dll);
-  ASSERT_TRUE(run.finished);
-  EXPECT_EQ(run.values[L"load"], L"ok") << testing::PrintToString(run.output);
-  EXPECT_EQ(LogOfHost(client + L"\\log\\Corvane", {}, hostPath), Attached(hostPath));
 }
 
 }  // namespace

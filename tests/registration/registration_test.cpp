@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <olectl.h>
+#include <shellapi.h>
 
 #include <algorithm>
 #include <iterator>
@@ -217,13 +218,6 @@ std::vector<HRESULT> CallExports(const std::wstring& calls) {
   return results;
 }
 
-// Deletes a key and everything under it when the scope ends.
-struct ScopedDelete {
-  HKEY hive;
-  std::wstring path;
-  ~ScopedDelete() { ::RegDeleteTreeW(hive, path.c_str()); }
-};
-
 class Registration : public testing::Test {
  protected:
   void SetUp() override { RemoveEverything(); }
@@ -247,6 +241,8 @@ TEST_F(Registration, WineRegsvr32RegistersAndRemovesEverything) {
     ASSERT_TRUE(moduletest::Regsvr32(c.uninstall).finished);
     ExpectState(State::kNothing);
   }
+  // The folders' DefaultIcon names the DLL's icon 0, so the DLL must hold exactly that one.
+  EXPECT_EQ(::ExtractIconExW(Dll().c_str(), -1, nullptr, nullptr, 0), 1u);
 }
 
 TEST_F(Registration, ExportResultsAndWhereTheyWrite) {
@@ -330,12 +326,12 @@ TEST_F(Registration, KeyThatCannotBeCreatedRollsBack) {
     corvane::unique_hkey blocker, probe;
     ASSERT_EQ(::RegCreateKeyExW(c.hive, c.blocked.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
                                 blocker.put(), nullptr), ERROR_SUCCESS);
-    const ScopedDelete unblock{c.hive, c.blocked};
-    ASSERT_NE(::RegCreateKeyExW(blocker.get(), L"probe", 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
+    EXPECT_NE(::RegCreateKeyExW(blocker.get(), L"probe", 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr,
                                 probe.put(), nullptr), ERROR_SUCCESS);
     blocker.reset();
     EXPECT_EQ(CallExports(c.calls), std::vector<HRESULT>{SELFREG_E_CLASS});
     ExpectState(c.after);
+    ::RegDeleteTreeW(c.hive, c.blocked.c_str());
   }
 }
 
