@@ -21,15 +21,9 @@ corvane::unique_file OpenShared(const std::wstring& path, DWORD access, DWORD di
 }
 
 void WriteAll(HANDLE file, const void* data, size_t size) {
-  const auto* bytes = static_cast<const std::uint8_t*>(data);
-  while (size > 0) {
-    DWORD written = 0;
-    const DWORD chunk = size > (1u << 20) ? (1u << 20) : static_cast<DWORD>(size);
-    ASSERT_TRUE(::WriteFile(file, bytes, chunk, &written, nullptr)) << ::GetLastError();
-    ASSERT_GT(written, 0u);
-    bytes += written;
-    size -= written;
-  }
+  DWORD written = 0;
+  ASSERT_TRUE(::WriteFile(file, data, static_cast<DWORD>(size), &written, nullptr)) << ::GetLastError();
+  ASSERT_EQ(written, size);
 }
 
 // Text up to the next ']' starting after an expected '['; advances past the ']'.
@@ -84,12 +78,10 @@ std::int64_t FileSize(const std::wstring& path) {
 std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional) {
   const corvane::unique_file file = OpenShared(path, GENERIC_READ, OPEN_EXISTING);
   EXPECT_TRUE(file || optional) << "cannot open " << testing::PrintToString(path) << ": " << ::GetLastError();
-  std::vector<std::uint8_t> bytes;
-  if (!file) return bytes;
-  std::uint8_t buffer[65536];
+  std::vector<std::uint8_t> bytes(file ? static_cast<size_t>(::GetFileSize(file.get(), nullptr)) : 0);
   DWORD read = 0;
-  while (::ReadFile(file.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
-    bytes.insert(bytes.end(), buffer, buffer + read);
+  if (!bytes.empty() && (!::ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr) || read < bytes.size())) {
+    bytes.resize(read);
   }
   return bytes;
 }
@@ -126,12 +118,8 @@ void WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes
 }
 
 void WriteUtf16(const std::wstring& path, const std::wstring& text) {
-  std::vector<std::uint8_t> bytes;
-  for (wchar_t c : text) {
-    bytes.push_back(static_cast<std::uint8_t>(c & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(c >> 8));
-  }
-  WriteBytes(path, bytes);
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());  // wchar_t is UTF-16LE here
+  WriteBytes(path, std::vector<std::uint8_t>(bytes, bytes + text.size() * sizeof(wchar_t)));
 }
 
 void FillTo(const std::wstring& path, std::int64_t size) {
