@@ -17,11 +17,6 @@ void TestOwner::SetBarHeight(int height) {
   if (bar != nullptr && bar->IsWindow()) bar->MovePosition(RECT{0, 0, width, m_nBarHeight});
 }
 
-void TestOwner::SetIconSize(int cx, int cy) {
-  askedIcon = SIZE{cx, cy};
-  if (!m_pinned) m_icon = askedIcon;
-}
-
 void TestOwner::Layout(int newWidth) {
   width = newWidth;
   if (bar != nullptr) bar->MovePosition(RECT{0, 0, width, m_nBarHeight});
@@ -52,26 +47,6 @@ std::vector<HWND> TakeQueued(UINT message) {
     ::DispatchMessageW(&queued);
   }
   return windows;
-}
-
-RECT RectIn(HWND window, HWND parent) {
-  RECT rect{};
-  ::GetWindowRect(window, &rect);
-  ::MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&rect), 2);
-  return rect;
-}
-
-void BarTest::SetUp() {
-  m_comStarted = SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
-  m_theme.emplace(false);
-  RegistryTest::SetUp();
-}
-
-void BarTest::TearDown() {
-  Pump();
-  RegistryTest::TearDown();
-  m_theme.reset();
-  if (m_comStarted) ::CoUninitialize();
 }
 
 }  // namespace bartest

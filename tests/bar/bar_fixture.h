@@ -1,18 +1,11 @@
 #pragma once
 // A bar as the Explorer window controller would host it, over a plain top-level window: COM
-// started and a light app theme (restored afterwards), on top of the registry tests' scratch
+// started and a light app theme (restored afterwards, like COM), on top of the registry tests' scratch
 // Halvex key, logger and debugger capture. The bar's own timer is stopped after creation so the
 // tests drive OnTimer with WM_TIMER themselves.
 #include <windows.h>
-#include <unknwn.h>
-
-#include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
@@ -24,7 +17,6 @@
 namespace bartest {
 
 using namespace widgettest;
-using registrytest::kRoot;
 using registrytest::kUser;
 using registrytest::kUserKey;
 using registrytest::kZoomKey;
@@ -39,8 +31,7 @@ class CountingUnknown final : public IUnknown {
   std::atomic<ULONG> m_count{1};
 };
 
-class COwnerFrame final : public corvane::Window<COwnerFrame> {
- public:
+struct COwnerFrame final : corvane::Window<COwnerFrame> {
   static constexpr const wchar_t* kClassName = L"CorvaneBarTestOwner";
   static std::span<const MessageEntry> MessageMap() { return {}; }
 };
@@ -54,7 +45,10 @@ class TestOwner final : public IBarOwner {
   int GetBarHeight() const override { return m_nBarHeight; }
   void SetBarHeight(int height) override;
   void GetIconSize(int& width, int& height) const override { width = m_icon.cx, height = m_icon.cy; }
-  void SetIconSize(int width, int height) override;
+  void SetIconSize(int cx, int cy) override {
+    askedIcon = SIZE{cx, cy};
+    if (!m_pinned) m_icon = askedIcon;
+  }
   HWND GetExplorerHwnd() const override { return m_frame.m_hWnd; }
   // MovePosition of the bar to (0, 0, width, H), then the messages pumped.
   void Layout(int width);
@@ -100,13 +94,18 @@ std::vector<HWND> TakeQueued(UINT message);
 inline bool HasStyle(HWND window, DWORD style) {
   return window != nullptr && (static_cast<DWORD>(::GetWindowLongPtrW(window, GWL_STYLE)) & style) == style;
 }
-RECT RectIn(HWND window, HWND parent);
+inline RECT RectIn(HWND window, HWND parent) {
+  RECT rect{};
+  ::GetWindowRect(window, &rect);
+  return ::MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&rect), 2), rect;
+}
 inline std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
 class BarTest : public registrytest::RegistryTest {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  ~BarTest() override {
+    if (m_comStarted) ::CoUninitialize();
+  }
 
   static void PublishSpace(std::uint64_t total, std::uint64_t used) {
     SetUser(kUser);
@@ -121,11 +120,11 @@ class BarTest : public registrytest::RegistryTest {
   static void PublishZoom(HWND window, const std::wstring& text) {
     SetText(kZoomKey, std::to_wstring(reinterpret_cast<std::uintptr_t>(window)), text);
   }
-  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
+  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme.Set(dark)); }
 
  private:
-  std::optional<registrytest::ThemeOverride> m_theme;
-  bool m_comStarted = false;
+  bool m_comStarted = SUCCEEDED(::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
+  registrytest::ThemeOverride m_theme{false};
 };
 
 }  // namespace bartest

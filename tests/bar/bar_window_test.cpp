@@ -178,18 +178,18 @@ TEST_F(BarTest, TicksRenderOnlyWhatTheClientChanged) {
   EXPECT_EQ(tick(), std::make_pair(true, 0)) << "the title changed";
   PublishSpace(4 * kGiB, 2 * kGiB);
   EXPECT_EQ(tick(), std::make_pair(false, 5)) << "the used space changed";
-  EXPECT_EQ(hosted.bar.GetCapacity().GetUsedSpace(), 2 * kGiB);
   // A quota of 1 GiB or less reads as no data: the figures shown stay.
   PublishSpace(kGiB, 10);
   EXPECT_EQ(tick(), std::make_pair(false, 0));
-  EXPECT_EQ(hosted.bar.GetCapacity().GetTotalSpace(), 4 * kGiB);
+  EXPECT_EQ(std::make_pair(hosted.bar.GetCapacity().GetTotalSpace(), hosted.bar.GetCapacity().GetUsedSpace()),
+            std::make_pair(4 * kGiB, 2 * kGiB));
 
   // A published account picture replaces the default logo.
-  SetText(kUserKey, L"userLogoPath", SkinFile(L"zsk.png"));
+  SetUserValue(L"userLogoPath", SkinFile(L"zsk.png"));
   hosted.Tick();
   EXPECT_EQ(hosted.bar.GetLogoButton().GetImagePath(0), SkinFile(L"zsk.png"));
   // A short account name is not taken, and makes every other reader fail: default logo, no promotion.
-  SetText(kRoot, L"currentUser", L"u012345678");
+  SetUser(L"u012345678");
   hosted.Tick();
   EXPECT_EQ(hosted.bar.GetCurrentUser(), kUser);
   EXPECT_EQ(hosted.bar.GetLogoButton().GetImagePath(0), SkinFile(L"logo1.png"));

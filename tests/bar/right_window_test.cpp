@@ -44,23 +44,20 @@ TEST_F(BarTest, RightGroupImagesFollowTheTheme) {
   HostedBar hosted(1200);
   ASSERT_TRUE(hosted.Start());
   const CRightWindow& right = hosted.bar.GetRightWindow();
-  const std::wstring light[] = {L"tb_dd1.png tb_dd3.png tb_dd3.png tb_dd1.png", L"set_dd1.png set_dd3.png set_dd3.png set_dd1.png"};
-  const std::wstring dark[] = {L"tb_dd2.png tb_dd3.png tb_dd3.png tb_dd2.png", L"set_dd2.png set_dd3.png set_dd3.png set_dd2.png"};
-  wchar_t other[] = L"Policy", element[] = L"WindowsThemeElement", immersive[] = L"ImmersiveColorSet";
-  // Only the two theme settings swap the files; another setting or no string changes nothing.
-  const struct {
-    bool dark;
-    wchar_t* setting;
-    const std::wstring* expected;
-  } steps[] = {{false, nullptr, light}, {true, other, light}, {true, nullptr, light}, {true, element, dark},
-               {false, immersive, light}};
-  for (const auto& step : steps) {
-    SetDarkTheme(step.dark);
-    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(step.setting));
-    const std::string name = step.setting == nullptr ? "(null)" : logtest::Utf8(step.setting);
-    EXPECT_EQ(Slots(right.GetSyncProgressButton()), step.expected[0]) << name;
-    EXPECT_EQ(Slots(right.GetSettingsButton()), step.expected[1]) << name;
-    EXPECT_EQ(Slots(right.GetZhishikuButton()), L"zsks.png zsks.png zsks.png zsks.png") << name;
+  // The three buttons' slots; only the two theme settings swap the files, another setting or none
+  // changes nothing.
+  const auto shown = [&] {
+    return Slots(right.GetSyncProgressButton()) + L" | " + Slots(right.GetSettingsButton()) + L" | " + Slots(right.GetZhishikuButton());
+  };
+  const std::wstring light = L"tb_dd1.png tb_dd3.png tb_dd3.png tb_dd1.png | set_dd1.png set_dd3.png set_dd3.png set_dd1.png | zsks.png zsks.png zsks.png zsks.png";
+  const std::wstring dark = L"tb_dd2.png tb_dd3.png tb_dd3.png tb_dd2.png | set_dd2.png set_dd3.png set_dd3.png set_dd2.png | zsks.png zsks.png zsks.png zsks.png";
+  wchar_t other[] = L"Policy", element[] = L"WindowsThemeElement", immersive[] = L"ImmersiveColorSet", *none = nullptr;
+  for (const auto& [darkTheme, setting, expected] : {std::tuple{false, none, &light}, std::tuple{true, other, &light},
+                                                     std::tuple{true, none, &light}, std::tuple{true, element, &dark},
+                                                     std::tuple{false, immersive, &light}}) {
+    SetDarkTheme(darkTheme);
+    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(setting));
+    EXPECT_EQ(shown(), *expected) << (setting == nullptr ? "(null)" : logtest::Utf8(setting));
   }
 }
 

@@ -107,21 +107,12 @@ std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
   return map;
 }
 
-CCommandRecorder::~CCommandRecorder() {
-  ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
-}
-
 bool CCommandRecorder::CreateAt(int x, int y, int width, int height) {
   const RECT rect{x, y, x + width, y + height};
   if (Create(nullptr, &rect, L"widget test parent", WS_POPUP, WS_EX_TOPMOST | WS_EX_TOOLWINDOW) == nullptr) return false;
   ::SetWindowPos(m_hWnd, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW | SWP_NOACTIVATE);
   ::UpdateWindow(m_hWnd);
   return true;
-}
-
-LRESULT CCommandRecorder::OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&) {
-  commands.push_back({wParam, lParam});
-  return 0;
 }
 
 LRESULT CCommandRecorder::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&) {

@@ -68,7 +68,7 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
  public:
   static constexpr const wchar_t* kClassName = L"CorvaneWidgetTestParent";
   static std::span<const MessageEntry> MessageMap();
-  ~CCommandRecorder() override;
+  ~CCommandRecorder() override { ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1); }
 
   struct Command {
     WPARAM wParam;
@@ -81,7 +81,7 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
   std::vector<Command> commands;
 
  private:
-  LRESULT OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&);
+  LRESULT OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&) { return commands.push_back({wParam, lParam}), 0; }
   LRESULT OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&);
 };
 
