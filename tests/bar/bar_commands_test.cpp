@@ -13,8 +13,7 @@ std::wstring Params(const std::wstring& fields) { return L" -shellpopwin \"" + f
 std::wstring Number(HWND window) { return std::to_wstring(reinterpret_cast<std::uintptr_t>(window)); }
 // "left|bottom" of the window on the screen, and with "|right;top" after it.
 std::wstring Anchor(HWND window, bool full = false) {
-  RECT r{};
-  ::GetWindowRect(window, &r);
+  const RECT r = RectIn(window, HWND_DESKTOP);
   const std::wstring anchor = std::to_wstring(r.left) + L"|" + std::to_wstring(r.bottom);
   return full ? anchor + L"|" + std::to_wstring(r.right) + L";" + std::to_wstring(r.top) : anchor;
 }

@@ -70,22 +70,19 @@ void CALLBACK CloseMenu(HWND, UINT, UINT_PTR timer, DWORD) {
   ::EndMenu();
 }
 
-void ClickSettings(const HostedBar& hosted) {
-  g_menuRect = RECT{};
-  ::SetTimer(nullptr, 0, 10, &CloseMenu);
-  const HWND settings = hosted.bar.GetRightWindow().GetSettingsButton().m_hWnd;
-  ::SendMessageW(hosted.Right(), WM_COMMAND, MAKEWPARAM(CRightWindow::IDC_RIGHT_SETTINGS, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(settings));
-  Pump();
-}
-
 TEST_F(BarTest, SettingsMenuIsBuiltOnceAndOpensAtTheButtonsBottomLeft) {
   HostedBar hosted(900);
   ASSERT_TRUE(hosted.Start());
   const CRightWindow& right = hosted.bar.GetRightWindow();
+  const HWND settings = right.GetSettingsButton().m_hWnd;
+  const auto click = [&] {
+    g_menuRect = RECT{};
+    ::SetTimer(nullptr, 0, 10, &CloseMenu);
+    ::SendMessageW(hosted.Right(), WM_COMMAND, MAKEWPARAM(CRightWindow::IDC_RIGHT_SETTINGS, BN_CLICKED), reinterpret_cast<LPARAM>(settings));
+    Pump();
+  };
   EXPECT_EQ(right.GetSettingsMenu(), nullptr) << "built on first use";
-
-  ClickSettings(hosted);
+  click();
   const HMENU menu = right.GetSettingsMenu();
   ASSERT_NE(menu, nullptr);
   using Items = std::vector<std::pair<UINT, std::wstring>>;
@@ -100,12 +97,11 @@ TEST_F(BarTest, SettingsMenuIsBuiltOnceAndOpensAtTheButtonsBottomLeft) {
   };
   const Items expected{{1001, L"同步盘设置"}, {1002, L"同步盘操作记录"}, {1003, L"智能客服"}};
   EXPECT_EQ(items(), expected);
-  RECT settings{};
-  ::GetWindowRect(right.GetSettingsButton().m_hWnd, &settings);
-  EXPECT_EQ(std::make_pair(g_menuRect.left, g_menuRect.top), std::make_pair(settings.left, settings.bottom))
+  const RECT button = RectIn(settings, HWND_DESKTOP);
+  EXPECT_EQ(std::make_pair(g_menuRect.left, g_menuRect.top), std::make_pair(button.left, button.bottom))
       << "the menu opens at the settings button's left, under its bottom";
 
-  ClickSettings(hosted);
+  click();
   EXPECT_EQ(right.GetSettingsMenu(), menu) << "a second click reuses the menu";
   EXPECT_EQ(items(), expected);
 }

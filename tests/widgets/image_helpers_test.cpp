@@ -1,11 +1,12 @@
-// The picture helpers on real files: caption padding, joining, stretching, sizes and what bad
-// input leaves behind. The bar's tests check the rest on its own pictures: which captions follow
-// the published zoom, the font fallback every caption takes under Wine (which has no Microsoft
-// YaHei), and that a shown picture's file can be rendered again and deleted.
+// The picture helpers on real files: caption padding and font fallback, joining, stretching,
+// sizes and what bad input leaves behind. The bar's tests check the rest on its own pictures:
+// which captions follow the published zoom, and that a shown picture's file can be rendered again
+// and deleted.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "widget_support.h"
@@ -71,13 +72,10 @@ TEST_F(ImageHelpers, CombinePlacesBothPicturesPixelExactly) {
     const auto picture = ReadPicture(out);
     ASSERT_TRUE(picture);
     ASSERT_EQ(std::make_pair(picture->width, picture->height), std::make_pair(c.width, c.height));
-    int mismatches = 0;
-    for (int y = 0; y < c.height; ++y) {
-      for (int x = 0; x < c.width; ++x) {
-        const POINT p{x, y};
-        const Argb expected = ::PtInRect(&c.right, p) ? kBlue : ::PtInRect(&c.left, p) ? kRed : kTransparent;
-        if (!(picture->at(x, y) == expected) && mismatches++ < 5) ADD_FAILURE() << "pixel " << x << "," << y;
-      }
+    for (int i = 0, mismatches = 0; i < c.width * c.height; ++i) {
+      const POINT p{i % c.width, i / c.width};
+      const Argb expected = ::PtInRect(&c.right, p) ? kBlue : ::PtInRect(&c.left, p) ? kRed : kTransparent;
+      if (!(picture->at(p.x, p.y) == expected) && mismatches++ < 5) ADD_FAILURE() << "pixel " << p.x << "," << p.y;
     }
   }
 }
@@ -120,4 +118,17 @@ TEST_F(ImageHelpers, BadInputLeavesEverythingAlone) {
   UINT width = 0, height = 0;
   ASSERT_TRUE(GetImageSize(good, width, height));
   EXPECT_EQ(std::make_pair(width, height), std::make_pair(13u, 7u));
+}
+
+TEST_F(ImageHelpers, UnknownFontFamilyFallsBackToSansSerifOrFailsCleanly) {
+  TextImageStyle style = Caption();
+  style.fontName = L"No Such Family Anywhere";
+  // Windows always has GDI+'s generic sans-serif family; a bare Wine prefix may have neither name.
+  const bool generic = Gdiplus::FontFamily(L"Microsoft Sans Serif").GetLastStatus() == Gdiplus::Ok ||
+                       Gdiplus::FontFamily(L"Tahoma").GetLastStatus() == Gdiplus::Ok;
+  ASSERT_EQ(RenderTextToPng(style, m_folder / L"fallback.png"), generic);
+  const auto picture = ReadPicture(m_folder / L"fallback.png");
+  ASSERT_EQ(picture.has_value(), generic) << "a failed render writes no file";
+  const auto inked = [](const Argb& p) { return p.a > 200; };
+  EXPECT_TRUE(!generic || (picture->width > 20 && std::any_of(picture->pixels.begin(), picture->pixels.end(), inked)));
 }

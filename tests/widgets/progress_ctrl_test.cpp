@@ -84,7 +84,6 @@ TEST_F(ProgressCtrl, ColourShowsOnlyAfterTheNextRepaint) {
   ::UpdateWindow(m_progress.m_hWnd);
   ::ValidateRect(m_progress.m_hWnd, nullptr);
   m_progress.SetColor(0xFFE63C3C);
-  EXPECT_EQ(m_progress.GetColor(), 0xFFE63C3Cu);
   EXPECT_FALSE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE)) << "SetColor alone does not invalidate";
   m_progress.SetPos(75);
   EXPECT_TRUE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE));
