@@ -5,6 +5,8 @@
 
 #include <climits>
 #include <cstdint>
+#include <tuple>
+#include <utility>
 
 #include "core/bar_layout.h"
 #include "core/capacity.h"
@@ -15,31 +17,21 @@ using corvane::core::BarRect;
 constexpr std::uint64_t kKiB = 1024, kMiB = kKiB * 1024, kGiB = kMiB * 1024, kTiB = kGiB * 1024;
 
 TEST(CapacityRules, SizeTextsWarningAndShare) {
-  const struct {
-    std::uint64_t bytes;
-    const wchar_t* text;
-  } sizes[] = {
-      {1023, L"1023B"},      {1536, L"1.5KB"},
-      {1024 + 10, L"1.01KB"},               // 1.009765625 rounds up
-      {1152, L"1.12KB"},                    // 1.125 exactly: a tie goes to the even digit
-      {kMiB - 1, L"1024KB"},                // 1023.999 KiB prints as 1024.00
-      {200 * kMiB, L"200MB"},               // trailing zeros stop at the point
-      {kGiB + kGiB / 4, L"1.25GB"}, {UINT64_MAX, L"16777216TB"},
-  };
-  for (const auto& c : sizes) EXPECT_EQ(corvane::core::FormatSize(c.bytes), c.text) << c.bytes;
-
-  const struct {
-    std::uint64_t total, used;
-    bool warn;
-  } warnings[] = {
-      {2 * kGiB, 2 * kGiB - 500 * kMiB, true},      // exactly 500 MiB free
-      {2 * kGiB, 2 * kGiB - 501 * kMiB, false},     // 501 MiB free
-      {2 * kGiB, 2 * kGiB - 501 * kMiB + 1, true},  // a byte short of 501 MiB: 500 whole MiB
-      {2 * kGiB, 2 * kGiB + 1, true},               // used above total wraps; caught
-      {kTiB, 0, false},
-  };
-  for (const auto& c : warnings) {
-    EXPECT_EQ(corvane::core::IsCapacityWarning(c.total, c.used), c.warn) << c.total << " " << c.used;
+  using Size = std::pair<std::uint64_t, const wchar_t*>;
+  for (const auto& [bytes, text] : {Size{1023, L"1023B"}, Size{1536, L"1.5KB"},
+                                    Size{1024 + 10, L"1.01KB"},      // 1.009765625 rounds up
+                                    Size{1152, L"1.12KB"},           // 1.125 exactly: a tie goes to the even digit
+                                    Size{kMiB - 1, L"1024KB"},       // 1023.999 KiB prints as 1024.00
+                                    Size{200 * kMiB, L"200MB"},      // trailing zeros stop at the point
+                                    Size{kGiB + kGiB / 4, L"1.25GB"}, Size{UINT64_MAX, L"16777216TB"}}) {
+    EXPECT_EQ(corvane::core::FormatSize(bytes), text) << bytes;
+  }
+  // At most 500 whole MiB free warns (the display's tests hold 500 and 501 MiB free).
+  using Space = std::tuple<std::uint64_t, std::uint64_t, bool>;
+  for (const auto& [total, used, warn] : {Space{2 * kGiB, 2 * kGiB - 501 * kMiB + 1, true},  // a byte short of 501 MiB
+                                          Space{2 * kGiB, 2 * kGiB + 1, true},               // used above total wraps; caught
+                                          Space{kTiB, 0, false}}) {
+    EXPECT_EQ(corvane::core::IsCapacityWarning(total, used), warn) << total << " " << used;
   }
 
   EXPECT_EQ(corvane::core::UsedPercent(3, 2), 66);  // truncated, not rounded
@@ -48,11 +40,9 @@ TEST(CapacityRules, SizeTextsWarningAndShare) {
 }
 
 TEST(CapacityRules, BarHeightAndTruncatedCentring) {
-  const struct {
-    unsigned text;
-    int bar;
-  } heights[] = {{20, 32}, {25, 40}, {17, 27}, {14, 22}};
-  for (const auto& h : heights) EXPECT_EQ(corvane::core::BarHeightFromTextHeight(h.text), h.bar) << h.text;
+  for (const auto& [text, bar] : {std::pair{20u, 32}, std::pair{25u, 40}, std::pair{17u, 27}, std::pair{14u, 22}}) {
+    EXPECT_EQ(corvane::core::BarHeightFromTextHeight(text), bar) << text;
+  }
   // A picture taller than the bar: the division truncates toward zero, -5 / 2 is -2, not -3.
   EXPECT_EQ(corvane::core::ButtonRect(10, 80, 15, 10), (BarRect{10, -2, 90, 13}));
 }

@@ -2,9 +2,8 @@
 // settings menu.
 #include "bar_fixture.h"
 
-#include <tuple>
-
-#include "log_files.h"
+#include <utility>
+#include <vector>
 
 namespace bartest {
 namespace {
@@ -27,48 +26,38 @@ TEST_F(BarTest, RightGroupReMeasureJoinsIconsScaledToTheirLabels) {
   ::DeleteFileW(SkinFile(L"zsks.png").c_str());
   ::SendMessageW(hosted.Right(), WM_DISPLAYCHANGE, 0, 0);
   EXPECT_EQ(TakeQueued(WM_TITLE_PLACE_RIGHT), std::vector<HWND>{hosted.Bar()});
-  // Each icon is brought to its label's height and joined left of it without overlap.
-  const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> pictures[] = {
-      {L"tb_dt1.png", L"tb_normals.png", L"tb_dd1.png"},
-      {L"set_dt2.png", L"setting_normal1s.png", L"set_dd2.png"},
-      {L"zsk_dt.png", L"zsks.png", nullptr}};
-  for (const auto& [label, icon, joined] : pictures) {
+  // The deleted pictures are back: each icon brought to its label's height (and joined to it).
+  for (const auto& [label, icon] : {std::pair{L"tb_dt1.png", L"tb_dd1.png"}, std::pair{L"set_dt2.png", L"set_dd2.png"},
+                                    std::pair{L"zsk_dt.png", L"zsks.png"}}) {
     const SIZE text = PictureSize(SkinFile(label)), scaled = PictureSize(SkinFile(icon));
     EXPECT_TRUE(text.cy > 0 && scaled.cy == text.cy) << logtest::Utf8(icon);
-    if (joined == nullptr) continue;
-    const SIZE both = PictureSize(SkinFile(joined));
-    EXPECT_EQ(std::make_pair(both.cx, both.cy), std::make_pair(scaled.cx + text.cx, text.cy)) << logtest::Utf8(joined);
   }
   // The labels' inks; the two light-theme ones differ by two in red.
-  const struct {
-    const wchar_t* name;
-    std::uint32_t ink;
-  } inks[] = {{L"tb_dt1.png", 0x122133}, {L"set_dt1.png", 0x102133}, {L"set_dt2.png", 0xFFFFFF},
-              {L"tb_dt3.png", 0x0091FF}, {L"zsk_dt.png", 0x5C7EFF}};
-  for (const auto& label : inks) EXPECT_EQ(InkColours(SkinFile(label.name)), std::set<std::uint32_t>{label.ink});
+  for (const auto& [name, ink] : {std::pair{L"tb_dt1.png", 0x122133u}, std::pair{L"set_dt1.png", 0x102133u},
+                                  std::pair{L"set_dt2.png", 0xFFFFFFu}, std::pair{L"tb_dt3.png", 0x0091FFu},
+                                  std::pair{L"zsk_dt.png", 0x5C7EFFu}}) {
+    EXPECT_EQ(InkColours(SkinFile(name)), std::set<std::uint32_t>{ink}) << logtest::Utf8(name);
+  }
 }
 
 TEST_F(BarTest, RightGroupImagesFollowTheTheme) {
   HostedBar hosted(1200);
   ASSERT_TRUE(hosted.Start());
   const CRightWindow& right = hosted.bar.GetRightWindow();
-  const std::wstring light[] = {L"tb_dd1.png tb_dd3.png tb_dd3.png tb_dd1.png", L"set_dd1.png set_dd3.png set_dd3.png set_dd1.png"};
-  const std::wstring dark[] = {L"tb_dd2.png tb_dd3.png tb_dd3.png tb_dd2.png", L"set_dd2.png set_dd3.png set_dd3.png set_dd2.png"};
-  wchar_t other[] = L"Policy", element[] = L"WindowsThemeElement", immersive[] = L"ImmersiveColorSet";
-  // Only the two theme settings swap the files; another setting or no string changes nothing.
-  const struct {
-    bool dark;
-    wchar_t* setting;
-    const std::wstring* expected;
-  } steps[] = {{false, nullptr, light}, {true, other, light}, {true, nullptr, light}, {true, element, dark},
-               {false, immersive, light}};
-  for (const auto& step : steps) {
-    SetDarkTheme(step.dark);
-    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(step.setting));
-    const std::string name = step.setting == nullptr ? "(null)" : logtest::Utf8(step.setting);
-    EXPECT_EQ(Slots(right.GetSyncProgressButton()), step.expected[0]) << name;
-    EXPECT_EQ(Slots(right.GetSettingsButton()), step.expected[1]) << name;
-    EXPECT_EQ(Slots(right.GetZhishikuButton()), L"zsks.png zsks.png zsks.png zsks.png") << name;
+  // The three buttons' slots; only the two theme settings swap the files, another setting or none
+  // changes nothing.
+  const auto shown = [&] {
+    return Slots(right.GetSyncProgressButton()) + L" | " + Slots(right.GetSettingsButton()) + L" | " + Slots(right.GetZhishikuButton());
+  };
+  const std::wstring light = L"tb_dd1.png tb_dd3.png tb_dd3.png tb_dd1.png | set_dd1.png set_dd3.png set_dd3.png set_dd1.png | zsks.png zsks.png zsks.png zsks.png";
+  const std::wstring dark = L"tb_dd2.png tb_dd3.png tb_dd3.png tb_dd2.png | set_dd2.png set_dd3.png set_dd3.png set_dd2.png | zsks.png zsks.png zsks.png zsks.png";
+  wchar_t other[] = L"Policy", element[] = L"WindowsThemeElement", immersive[] = L"ImmersiveColorSet", *none = nullptr;
+  for (const auto& [darkTheme, setting, expected] : {std::tuple{false, none, &light}, std::tuple{true, other, &light},
+                                                     std::tuple{true, none, &light}, std::tuple{true, element, &dark},
+                                                     std::tuple{false, immersive, &light}}) {
+    SetDarkTheme(darkTheme);
+    ::SendMessageW(hosted.Right(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(setting));
+    EXPECT_EQ(shown(), *expected) << (setting == nullptr ? "(null)" : logtest::Utf8(setting));
   }
 }
 
@@ -81,43 +70,40 @@ void CALLBACK CloseMenu(HWND, UINT, UINT_PTR timer, DWORD) {
   ::EndMenu();
 }
 
-void ClickSettings(const HostedBar& hosted) {
-  g_menuRect = RECT{};
-  ::SetTimer(nullptr, 0, 10, &CloseMenu);
-  const HWND settings = hosted.bar.GetRightWindow().GetSettingsButton().m_hWnd;
-  ::SendMessageW(hosted.Right(), WM_COMMAND, MAKEWPARAM(CRightWindow::IDC_RIGHT_SETTINGS, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(settings));
-  Pump();
-}
-
 TEST_F(BarTest, SettingsMenuIsBuiltOnceAndOpensAtTheButtonsBottomLeft) {
   HostedBar hosted(900);
   ASSERT_TRUE(hosted.Start());
   const CRightWindow& right = hosted.bar.GetRightWindow();
+  const HWND settings = right.GetSettingsButton().m_hWnd;
+  const auto click = [&] {
+    g_menuRect = RECT{};
+    ::SetTimer(nullptr, 0, 10, &CloseMenu);
+    ::SendMessageW(hosted.Right(), WM_COMMAND, MAKEWPARAM(CRightWindow::IDC_RIGHT_SETTINGS, BN_CLICKED), reinterpret_cast<LPARAM>(settings));
+    Pump();
+  };
   EXPECT_EQ(right.GetSettingsMenu(), nullptr) << "built on first use";
-
-  ClickSettings(hosted);
+  click();
   const HMENU menu = right.GetSettingsMenu();
   ASSERT_NE(menu, nullptr);
-  const struct {
-    UINT id;
-    const wchar_t* label;
-  } items[] = {{1001, L"同步盘设置"}, {1002, L"同步盘操作记录"}, {1003, L"智能客服"}};
-  ASSERT_EQ(::GetMenuItemCount(menu), 3);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(::GetMenuItemID(menu, i), items[i].id);
-    wchar_t label[64] = {};
-    ::GetMenuStringW(menu, static_cast<UINT>(i), label, 64, MF_BYPOSITION);
-    EXPECT_STREQ(label, items[i].label);
-  }
-  RECT settings{};
-  ::GetWindowRect(right.GetSettingsButton().m_hWnd, &settings);
-  EXPECT_EQ(g_menuRect.left, settings.left) << "the menu opened at the settings button's left";
-  EXPECT_EQ(g_menuRect.top, settings.bottom) << "and under its bottom";
+  using Items = std::vector<std::pair<UINT, std::wstring>>;
+  const auto items = [&] {
+    Items found;
+    for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
+      wchar_t label[64] = {};
+      ::GetMenuStringW(menu, static_cast<UINT>(i), label, 64, MF_BYPOSITION);
+      found.emplace_back(::GetMenuItemID(menu, i), label);
+    }
+    return found;
+  };
+  const Items expected{{1001, L"同步盘设置"}, {1002, L"同步盘操作记录"}, {1003, L"智能客服"}};
+  EXPECT_EQ(items(), expected);
+  const RECT button = RectIn(settings, HWND_DESKTOP);
+  EXPECT_EQ(std::make_pair(g_menuRect.left, g_menuRect.top), std::make_pair(button.left, button.bottom))
+      << "the menu opens at the settings button's left, under its bottom";
 
-  ClickSettings(hosted);
+  click();
   EXPECT_EQ(right.GetSettingsMenu(), menu) << "a second click reuses the menu";
-  EXPECT_EQ(::GetMenuItemCount(menu), 3);
+  EXPECT_EQ(items(), expected);
 }
 
 }  // namespace

@@ -13,8 +13,7 @@ using namespace widgettest;
 
 namespace {
 
-const Argb kTrack{255, 232, 248, 255};
-const Argb kDefaultFill{255, 65, 127, 249};
+const Argb kTrack{255, 232, 248, 255}, kDefaultFill{255, 65, 127, 249}, kRed{255, 230, 60, 60};
 
 class ProgressCtrl : public ::testing::Test {
  protected:
@@ -23,21 +22,17 @@ class ProgressCtrl : public ::testing::Test {
     const RECT rect{10, 10, 210, 19};  // 200 x 9: a track 7 pixels high
     ASSERT_NE(m_progress.Create(m_parent.m_hWnd, &rect, L"", WS_CHILD | WS_VISIBLE, 0, 3003), nullptr);
   }
-  // The columns on the track's middle row that show `colour`, and where the fill from x 3 ends.
-  static int Columns(const Picture& picture, const Argb& colour) {
-    int count = 0;
-    for (int x = 0; x < picture.width; ++x) count += picture.at(x, 3) == colour ? 1 : 0;
-    return count;
-  }
-  static int FillEnd(const Picture& picture, const Argb& fill) {
-    int x = 3;
-    while (x < picture.width && picture.at(x, 3) == fill) ++x;
-    return x;
-  }
 
   CCommandRecorder m_parent;
   CMyProgressCtrl m_progress;
 };
+
+// Where the fill from x 3 on the track's middle row ends (3: no fill).
+int FillEnd(const Picture& picture, const Argb& fill) {
+  int x = 3;
+  while (x < picture.width && picture.at(x, 3) == fill) ++x;
+  return x;
+}
 
 }  // namespace
 
@@ -54,61 +49,49 @@ TEST_F(ProgressCtrl, PositionClampAndFillWidth) {
   for (const auto& c : cases) {
     m_progress.SetRange(c.minimum, c.maximum);
     m_progress.SetPos(c.position);
-    EXPECT_EQ(m_progress.GetPos(), c.stored) << c.minimum << ".." << c.maximum << " pos " << c.position;
-    EXPECT_EQ(m_progress.FillWidth(c.width), c.fill) << c.minimum << ".." << c.maximum << " pos " << c.position;
+    EXPECT_EQ(std::make_pair(m_progress.GetPos(), m_progress.FillWidth(c.width)), std::make_pair(c.stored, c.fill))
+        << c.minimum << ".." << c.maximum << " pos " << c.position;
   }
 }
 
+// The track ignores the theme; the two bottom rows carry only the theme's background (never the
+// parent's or stale pixels). Position 0 and empty ranges leave only the track.
 TEST_F(ProgressCtrl, PaintsTrackAndFillWhateverTheTheme) {
   ThemeOverride theme(false);
-  for (const bool dark : {false, true}) {
-    SCOPED_TRACE(dark ? "dark" : "light");
-    theme.Set(dark);  // the track ignores it
-    // 30 of 100: the fill ends near x 60 (0: no fill); the two bottom rows carry only the bar's colour (never
-    // the parent's or stale pixels). Position 0 and empty ranges leave only the track.
-    const struct {
-      int minimum, maximum, position, fillEnd;
-    } rows[] = {{0, 100, 30, 60}, {0, 100, 0, 0}, {40, 40, 40, 0}, {60, 20, 50, 0}};
-    for (const auto& row : rows) {
-      m_progress.SetRange(row.minimum, row.maximum);
-      m_progress.SetPos(row.position);
-      const auto shown = CaptureClient(m_progress.m_hWnd);
-      ASSERT_TRUE(shown);
-      // The fill's columns: none, or up to its end near the expected column.
-      EXPECT_NEAR(row.fillEnd == 0 ? Columns(*shown, kDefaultFill) : FillEnd(*shown, kDefaultFill), row.fillEnd, row.fillEnd == 0 ? 0 : 1)
-          << row.minimum << ".." << row.maximum;
-      EXPECT_EQ(shown->at(100, 3), kTrack);
-      EXPECT_GT(Columns(*shown, kTrack), 130);
-      for (int x = 0; x < shown->width; x += 20) {
-        EXPECT_EQ(shown->at(x, 7), Opaque(dark ? RGB(32, 32, 32) : RGB(255, 255, 255))) << x;
-        EXPECT_EQ(shown->at(x, 8), Opaque(dark ? RGB(32, 32, 32) : RGB(255, 255, 255))) << x;
-      }
+  const struct {
+    bool dark;
+    int minimum, maximum, position, fillEnd;
+  } rows[] = {{false, 0, 100, 30, 60}, {true, 0, 100, 30, 60}, {true, 0, 100, 0, 3}, {false, 40, 40, 40, 3}, {true, 60, 20, 50, 3}};
+  for (const auto& row : rows) {
+    theme.Set(row.dark);
+    m_progress.SetRange(row.minimum, row.maximum);
+    m_progress.SetPos(row.position);
+    const auto shown = CaptureClient(m_progress.m_hWnd);
+    ASSERT_TRUE(shown);
+    const std::string name = std::to_string(row.minimum) + ".." + std::to_string(row.maximum) + (row.dark ? " dark" : " light");
+    EXPECT_NEAR(FillEnd(*shown, kDefaultFill), row.fillEnd, row.fillEnd == 3 ? 0 : 1) << name;
+    EXPECT_EQ(std::make_pair(shown->at(100, 3), shown->at(195, 3)), std::make_pair(kTrack, kTrack)) << name;
+    const Argb background = Opaque(row.dark ? RGB(32, 32, 32) : RGB(255, 255, 255));
+    for (int x = 0; x < shown->width; x += 20) {
+      EXPECT_EQ(std::make_pair(shown->at(x, 7), shown->at(x, 8)), std::make_pair(background, background)) << name << " x " << x;
     }
   }
 }
 
 TEST_F(ProgressCtrl, ColourShowsOnlyAfterTheNextRepaint) {
-  const Argb red{255, 230, 60, 60};
   m_progress.SetRange(0, 100);
   m_progress.SetPos(50);
   ::UpdateWindow(m_progress.m_hWnd);
   ::ValidateRect(m_progress.m_hWnd, nullptr);
   m_progress.SetColor(0xFFE63C3C);
-  EXPECT_EQ(m_progress.GetColor(), 0xFFE63C3Cu);
   EXPECT_FALSE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE)) << "SetColor alone does not invalidate";
-
   m_progress.SetPos(75);
   EXPECT_TRUE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE));
+  // With a radius of 0 the ends are square: the fill from the very corner, the track to the last column.
+  m_progress.SetRadius(0);
   const auto shown = CaptureClient(m_progress.m_hWnd);
   ASSERT_TRUE(shown);
-  EXPECT_NEAR(FillEnd(*shown, red), 150, 1);
-  EXPECT_EQ(Columns(*shown, kDefaultFill), 0);
-
-  // A radius of 0 gives square ends.
-  m_progress.SetRadius(0);
-  const auto square = CaptureClient(m_progress.m_hWnd);
-  ASSERT_TRUE(square);
-  EXPECT_EQ(square->at(0, 0), red);
-  EXPECT_EQ(square->at(199, 0), kTrack);
+  EXPECT_NEAR(FillEnd(*shown, kRed), 150, 1);
+  EXPECT_EQ(std::make_tuple(shown->at(0, 0), shown->at(199, 0), shown->at(151, 3)), std::make_tuple(kRed, kTrack, kTrack));
   EXPECT_EQ(::SendMessageW(m_progress.m_hWnd, WM_ERASEBKGND, 0, 0), 1);
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <ostream>
 
 #include "platform/gdiplus_session.h"
@@ -15,16 +14,10 @@ namespace widgettest {
 namespace {
 
 // GDI+ for the whole program, as the Explorer window controller provides it in Explorer.
-class GdiplusEnvironment : public ::testing::Environment {
- public:
-  void SetUp() override {
-    m_session = std::make_unique<corvane::GdiplusSession>();
-    ASSERT_TRUE(m_session->ok());
-  }
-  void TearDown() override { m_session.reset(); }
-
- private:
-  std::unique_ptr<corvane::GdiplusSession> m_session;
+struct GdiplusEnvironment : ::testing::Environment {
+  void SetUp() override { ASSERT_TRUE(session.emplace().ok()); }
+  void TearDown() override { session.reset(); }
+  std::optional<corvane::GdiplusSession> session;
 };
 [[maybe_unused]] ::testing::Environment* const g_gdiplus = ::testing::AddGlobalTestEnvironment(new GdiplusEnvironment);
 
@@ -62,6 +55,18 @@ std::optional<Picture> ReadPicture(const std::wstring& path) {
   return picture;
 }
 
+std::set<std::uint32_t> InkColours(const std::wstring& path, int from, int to) {
+  std::set<std::uint32_t> colours;
+  const auto picture = ReadPicture(path);
+  for (int y = 0; picture && y < picture->height; ++y) {
+    for (int x = from; x < std::min(to, picture->width); ++x) {
+      const Argb p = picture->at(x, y);
+      if (p.a >= 128) colours.insert(std::uint32_t{p.r} << 16 | std::uint32_t{p.g} << 8 | p.b);
+    }
+  }
+  return colours;
+}
+
 Picture PaintedBy(int width, int height, const std::function<void(HDC)>& paint) {
   const corvane::unique_hdc dc(::CreateCompatibleDC(nullptr));
   BITMAPINFO info{};
@@ -72,7 +77,7 @@ Picture PaintedBy(int width, int height, const std::function<void(HDC)>& paint) 
   if (!target) return picture;
   const corvane::scoped_select selected(dc.get(), target.get());
   auto* pixels = static_cast<DWORD*>(bits);
-  std::fill(pixels, pixels + width * height, 0x0A141Eu);  // kUnpainted as stored in a DIB
+  std::fill(pixels, pixels + width * height, 0x0A141Eu);
   paint(dc.get());
   ::GdiFlush();
   // The DIB's alpha byte is not a picture's: what is painted counts as opaque.
@@ -102,21 +107,12 @@ std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
   return map;
 }
 
-CCommandRecorder::~CCommandRecorder() {
-  ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1);
-}
-
 bool CCommandRecorder::CreateAt(int x, int y, int width, int height) {
   const RECT rect{x, y, x + width, y + height};
   if (Create(nullptr, &rect, L"widget test parent", WS_POPUP, WS_EX_TOPMOST | WS_EX_TOOLWINDOW) == nullptr) return false;
   ::SetWindowPos(m_hWnd, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW | SWP_NOACTIVATE);
   ::UpdateWindow(m_hWnd);
   return true;
-}
-
-LRESULT CCommandRecorder::OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&) {
-  commands.push_back({wParam, lParam});
-  return 0;
 }
 
 LRESULT CCommandRecorder::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&) {
@@ -127,8 +123,8 @@ LRESULT CCommandRecorder::OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&) {
   return 1;
 }
 
-void Pump() {
-  for (int round = 0; round < 3; ++round) {
+void Pump(int rounds) {
+  for (int round = 0; round < rounds; ++round) {
     if (round > 0) ::Sleep(15);
     MSG msg;
     while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
@@ -142,7 +138,7 @@ void MoveMouseTo(HWND window, int x, int y) {
   POINT point{x, y};
   ::ClientToScreen(window, &point);
   ::SetCursorPos(point.x, point.y);
-  Pump();
+  Pump(3);
 }
 
 void LeftButton(bool down) {
@@ -150,7 +146,7 @@ void LeftButton(bool down) {
   input.type = INPUT_MOUSE;
   input.mi.dwFlags = down ? MOUSEEVENTF_LEFTDOWN : MOUSEEVENTF_LEFTUP;
   ::SendInput(1, &input, sizeof(input));
-  Pump();
+  Pump(3);
 }
 
 }  // namespace widgettest

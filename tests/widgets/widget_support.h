@@ -1,11 +1,14 @@
 #pragma once
-// What the widget tests share: GDI+ for the program, a fresh folder, solid PNG files written and
-// read back with GDI+, the app theme switched and restored, a parent window that records
-// WM_COMMAND, pixels read from a window or a paint call, and real mouse input.
+// What the widget and bar tests share: GDI+ for the program, solid PNG files written and pictures
+// read back with GDI+ (never through the widgets' own readers), pixels read from a window or a
+// paint call, a parent window that records WM_COMMAND, and real mouse input.
 #include <windows.h>
 
+#include <climits>
+#include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -46,8 +49,14 @@ struct Picture {
 };
 // A picture file read back pixel by pixel (the file is closed again when this returns).
 std::optional<Picture> ReadPicture(const std::wstring& path);
-// What paint draws into a width x height 32-bit buffer first filled with kUnpainted.
-constexpr COLORREF kUnpainted = RGB(10, 20, 30);
+inline SIZE PictureSize(const std::wstring& path) {
+  const auto picture = ReadPicture(path);
+  return picture ? SIZE{picture->width, picture->height} : SIZE{-1, -1};
+}
+// The distinct colours (0xRRGGBB) of a picture's pixels in columns [from, to) that are at least
+// half covered: faint anti-aliased edges are left out, so a caption yields exactly its text colour.
+std::set<std::uint32_t> InkColours(const std::wstring& path, int from = 0, int to = INT_MAX);
+// What paint draws into a width x height 32-bit buffer first filled with RGB(10, 20, 30).
 Picture PaintedBy(int width, int height, const std::function<void(HDC)>& paint);
 // Repaints a window now and reads its client area back from the display surface.
 std::optional<Picture> CaptureClient(HWND window);
@@ -59,7 +68,7 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
  public:
   static constexpr const wchar_t* kClassName = L"CorvaneWidgetTestParent";
   static std::span<const MessageEntry> MessageMap();
-  ~CCommandRecorder() override;
+  ~CCommandRecorder() override { ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1); }
 
   struct Command {
     WPARAM wParam;
@@ -72,13 +81,13 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
   std::vector<Command> commands;
 
  private:
-  LRESULT OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&);
+  LRESULT OnCommand(UINT, WPARAM wParam, LPARAM lParam, bool&) { return commands.push_back({wParam, lParam}), 0; }
   LRESULT OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&);
 };
 
-// Dispatches everything queued for this thread, three rounds 15 ms apart, so that input and the
-// messages it causes (WM_MOUSELEAVE, repaints) have arrived.
-void Pump();
+// Dispatches everything queued for this thread; more rounds, 15 ms apart, let real input and the
+// messages it causes (WM_MOUSELEAVE, repaints) arrive.
+void Pump(int rounds = 1);
 // Real input: the cursor moved to a client point of the window, and the left button.
 void MoveMouseTo(HWND window, int x, int y);
 void LeftButton(bool down);
