@@ -1,6 +1,6 @@
 // The launcher against the Halvex.exe and scalemend.exe stand-ins: what the client receives, where
 // it runs, how its processes are counted and when the start-up gate holds a command back. The
-// gate's eight-second boundary is a pure rule with tests of its own; here every client is young.
+// gate's eight-second boundary is a pure rule its fuzzer checks; here every client is young.
 #include <gtest/gtest.h>
 
 #include <objbase.h>
@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <tuple>
+#include <utility>
 
 #include "client/dpi_tool.h"
 #include "client/launcher.h"
@@ -31,8 +32,7 @@ class Launcher : public ::testing::Test {
     ASSERT_FALSE(cx::IsProcessRunning(L"Halvex.exe")) << "a client from elsewhere is running";
   }
   void TearDown() override {
-    delete g_pLogger;
-    g_pLogger = nullptr;
+    delete std::exchange(g_pLogger, nullptr);
     ::CoUninitialize();
   }
 
@@ -54,20 +54,17 @@ class Launcher : public ::testing::Test {
 }  // namespace
 
 // With no client the command starts it; while that one main process runs, the next command goes
-// to it too. A quote in a field reaches the client as given, and the client runs in its folder.
-TEST_F(Launcher, CommandsReachTheClientVerbatimInItsFolderWhileOneMainProcessRuns) {
+// to it too. A quote in a field reaches the client as given (its folder: the bar's command tests).
+TEST_F(Launcher, CommandsReachTheClientVerbatimWhileOneMainProcessRuns) {
   ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"30000");  // the started client stays
   const std::wstring quoted = L" -shellpopwin \"syncdisk|open_folders|C:\\My \"Files\"|D:\\x\"";
   EXPECT_EQ(cx::exeCloudCommandLine(L"syncdisk", L"open_folders", L"C:\\My \"Files\"|D:\\x"), m_exe + quoted);
   const auto first = launchertest::WaitForRecords(m_session.ClientRecord(), 1);
   ASSERT_EQ(first.size(), 1u);
   EXPECT_EQ(first[0].commandLine, launchertest::Received(m_exe, quoted));
-  EXPECT_EQ(first[0].directory + L"\\", corvane::ClientFolder());
 
   EXPECT_EQ(cx::exeCloudCommandLine(L"setting", L""), m_exe + L" -shellpopwin \"setting\"");
-  const auto records = launchertest::WaitForRecords(m_session.ClientRecord(), 2);
-  ASSERT_EQ(records.size(), 2u);
-  EXPECT_EQ(records[1].commandLine, launchertest::Received(m_exe, L" -shellpopwin \"setting\""));
+  EXPECT_EQ(launchertest::WaitForRecords(m_session.ClientRecord(), 2).size(), 2u);
   const auto gates = GateLines();
   ASSERT_EQ(gates.size(), 2u);
   EXPECT_EQ(std::tie(gates[0].ret, gates[0].num, gates[0].startTime), std::make_tuple(0LL, 0LL, 0LL));

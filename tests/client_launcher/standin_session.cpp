@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "core/launch_gate.h"
 #include "platform/module_path.h"
 
 namespace launchertest {
@@ -14,11 +16,6 @@ namespace {
 
 constexpr const wchar_t* kVariables[] = {L"HALVEX_STANDIN_RECORD", L"HALVEX_STANDIN_LINGER_MS",
                                          L"HALVEX_STANDIN_CHILDREN", L"SCALEMEND_STANDIN_RECORD"};
-
-// FILETIME counts 100 ns steps since 1601; 11644473600 seconds lie between 1601 and 1970.
-std::uint64_t UnixMs(const FILETIME& time) {
-  return ((static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) - 116444736000000000ULL) / 10000;
-}
 
 // Polls every 20 ms until done() or timeoutMs; returns done()'s last answer.
 template <class Done>
@@ -39,14 +36,11 @@ std::vector<StartRecord> ReadRecords(const std::wstring& path) {
     wide.resize(::MultiByteToWideChar(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), wide.data(),
                                       static_cast<int>(wide.size())));
     std::wistringstream fields(wide);
-    std::wstring pid, start;
     StartRecord record;
-    if (!std::getline(fields, pid, L'\t') || !std::getline(fields, start, L'\t') ||
+    if (!(fields >> record.pid >> record.startMs) || fields.get() != L'\t' ||
         !std::getline(fields, record.directory, L'\t') || !std::getline(fields, record.commandLine)) {
       continue;
     }
-    record.pid = static_cast<DWORD>(std::stoul(pid));
-    record.startMs = std::stoull(start);
     records.push_back(std::move(record));
   }
   return records;
@@ -101,7 +95,7 @@ StandinSession::~StandinSession() {
           ::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE, started.pid));
       FILETIME creation{}, exit{}, kernel{}, user{};
       if (process && ::GetProcessTimes(process.get(), &creation, &exit, &kernel, &user) &&
-          UnixMs(creation) == started.startMs) {
+          corvane::core::UnixMsFromFileTime(std::bit_cast<std::uint64_t>(creation)) == started.startMs) {
         end(process.get());
       }
     }
@@ -113,17 +107,15 @@ StandinSession::~StandinSession() {
   std::filesystem::remove_all(m_folder, ignored);
 }
 
-std::pair<std::wstring, DWORD> StandinSession::StartClient(const std::wstring& arguments) {
+void StandinSession::StartClient(const std::wstring& arguments) {
   const std::wstring exe = corvane::ClientFolder() + L"Halvex.exe";
   std::wstring commandLine = L"\"" + exe + L"\" --record=\"" + m_clientRecord + L"\" " + arguments;
-  const std::wstring given = commandLine;
   STARTUPINFOW startup{sizeof(startup)};
   PROCESS_INFORMATION info{};
   if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
-    return {given, 0};
+    return;
   const corvane::unique_handle thread(info.hThread);
   m_started.emplace_back(info.hProcess);
-  return {given, info.dwProcessId};
 }
 
 }  // namespace launchertest

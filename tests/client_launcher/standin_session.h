@@ -47,9 +47,8 @@ class StandinSession {
   const std::wstring& ClientRecord() const { return m_clientRecord; }
   const std::wstring& DpiRecord() const { return m_dpiRecord; }
 
-  // Starts Halvex.exe directly: "<exe>" --record="<client record>" <arguments>. Returns the
-  // command line it was given and its process id.
-  std::pair<std::wstring, DWORD> StartClient(const std::wstring& arguments);
+  // Starts Halvex.exe directly: "<exe>" --record="<client record>" <arguments>.
+  void StartClient(const std::wstring& arguments);
 
  private:
   std::wstring m_folder, m_clientRecord, m_dpiRecord;

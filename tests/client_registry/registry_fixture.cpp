@@ -1,5 +1,7 @@
 #include "registry_fixture.h"
 
+#include <utility>
+
 #include "log/logger.h"
 
 namespace registrytest {
@@ -10,8 +12,7 @@ void RegistryTest::SetUp() {
 }
 
 void RegistryTest::TearDown() {
-  delete g_pLogger;
-  g_pLogger = nullptr;
+  delete std::exchange(g_pLogger, nullptr);
   DeleteHalvexTree();
 }
 

@@ -40,7 +40,7 @@ class RegistryTest : public ::testing::Test {
     ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str(), type, data, bytes), ERROR_SUCCESS);
   }
   static void SetUser(const std::wstring& user) { SetText(kRoot, L"currentUser", user); }
-  // A signed-in user with sync on, values given as text.
+  // A value of the test user's own key, given as text.
   static void SetUserValue(const std::wstring& name, const std::wstring& text) { SetText(kUserKey, name, text); }
 
   // A folder or a small file under this test's temporary folder (name may contain backslashes).

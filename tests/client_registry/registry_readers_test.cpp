@@ -1,9 +1,12 @@
 // The client-state readers and the helpers under them, against the real (Wine) registry: the
 // opening every reader shares (root key, a currentUser of at least 11 characters, its own values),
 // what each makes of the values it finds, and values of any type, shape and size.
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "client/registry.h"
@@ -63,6 +66,13 @@ class Readers : public RegistryTest {
              {L"advertisingId", L"a"}, {L"advertisingTitle", L"t"}})
       SetText(key, name, text);
   }
+  // No reader or helper may leave a key open, on any path.
+  void TearDown() override {
+    EXPECT_EQ(Keys::value().load(), m_keys);
+    RegistryTest::TearDown();
+  }
+  using Keys = corvane::LiveCount<corvane::null_handle_traits<HKEY, corvane::detail::CloseKey>>;
+  const long m_keys = Keys::value().load();
   const std::wstring m_folder = MakeFolder(L"Sync"), m_logo = MakeFile(L"logo.png");
 };
 
@@ -90,17 +100,15 @@ TEST_F(Readers, EachMissingPieceFailsWithOneLineAtTheReadersLevel) {
   }
   // The current user alone needs only the value, of any length.
   DeleteHalvexTree();
-  std::wstring user = L"-";
-  EXPECT_FALSE(regUtil::getCurrentUser(user));
-  EXPECT_EQ(user, L"-");
+  EXPECT_EQ(Text<regUtil::getCurrentUser>(), Outcome());
   SetUser(L"");
-  EXPECT_TRUE(regUtil::getCurrentUser(user));
-  EXPECT_EQ(user, L"");
+  EXPECT_EQ(Text<regUtil::getCurrentUser>(), Outcome(L""));
 }
 
 // bLogin counts only when it reads as the number 1, bOpenSync as on from 1 (32-bit parse rule).
 TEST_F(Readers, LoginAndSyncFlagsSplitBetweenTheSyncReaders) {
-  SetUser(kUser);
+  // currentUser without its terminator still names the per-user key.
+  SetRaw(kRoot, L"currentUser", REG_SZ, kUser.c_str(), static_cast<DWORD>(kUser.size() * sizeof(wchar_t)));
   SetUserValue(L"syncPath", m_folder);
   const struct { const wchar_t *bLogin, *bOpenSync; bool notOpenSync, andOpenSync; } cases[] = {
       {L"1", L"0", true, false},  {L"1", L"1", false, true},   {L"1", L"2", false, true},
@@ -115,15 +123,16 @@ TEST_F(Readers, LoginAndSyncFlagsSplitBetweenTheSyncReaders) {
     EXPECT_EQ(kReaders[kNotOpenSync].call(), Result(c.notOpenSync, L"", true));
     EXPECT_EQ(kReaders[kOpenSync].call(), Result(c.andOpenSync, m_folder + L"\\", true));
   }
+  SetRaw(kUserKey, L"bLogin", REG_BINARY, "1\0", 2);  // a flag of any type is read as text
+  EXPECT_TRUE(regUtil::checkReadyLogin());
 }
 
 // The folder comes back with backslashes and one trailing backslash, and must exist.
 TEST_F(Readers, SyncPathIsNormalisedAndMustBeAFolder) {
   SetUser(kUser);
-  SetUserValue(L"bLogin", L"1");
-  SetUserValue(L"bOpenSync", L"1");
+  SetComplete(kUserKey, true);
   std::wstring slashed = m_folder;
-  for (auto& c : slashed) c = c == L'\\' ? L'/' : c;
+  std::replace(slashed.begin(), slashed.end(), L'\\', L'/');
   const Outcome folder = m_folder + L"\\";
   const struct { std::wstring stored; Outcome expected; } cases[] = {
       {m_folder, folder}, {m_folder + L"\\", folder}, {slashed + L"/", folder}, {slashed + L"\\", folder},
@@ -142,15 +151,13 @@ TEST_F(Readers, AccountValuesNeedAFileMoreThanOneGibibyteAndTwoTexts) {
   // The reader's values in order (the logo reader has one) and its outcome.
   const struct { ReaderId reader; std::wstring first, second; Outcome expected; } cases[] = {
       {kLogo, m_logo, L"", m_logo}, {kLogo, m_folder, L"", Outcome()}, {kLogo, L"", L"", Outcome()},
-      {kLogo, m_folder + L"\\missing.png", L"", Outcome()},
-      {kSpace, L"1073741824", L"5", Outcome()}, {kSpace, L"1073741825", L"5", L"1073741825|5"},
+      {kLogo, m_folder + L"\\missing.png", L"", Outcome()}, {kSpace, L"1073741824", L"5", Outcome()},
+      {kSpace, L"1073741825", L"5", L"1073741825|5"}, {kSpace, L"2147483648", L"xyz", L"2147483648|0"},
       {kSpace, L"9223372036854775808", L"1", Outcome()},                     // out of range: 0
       {kSpace, L"-1", L"-2", L"18446744073709551615|18446744073709551614"},  // compared unsigned
-      {kSpace, L"2147483648", L"xyz", L"2147483648|0"},
       {kSpace, L"2147483648", L"4294967296", L"2147483648|4294967296"},  // used is not compared with total
-      {kAdvertising, L"a42", L"Spring offer", L"a42|Spring offer"},
-      {kAdvertising, L"a42", L"", Outcome()}, {kAdvertising, L"", L"Spring offer", Outcome()},
-      {kAdvertising, L" ", L" ", L" | "},
+      {kAdvertising, L"a42", L"offer", L"a42|offer"}, {kAdvertising, L"a42", L"", Outcome()},
+      {kAdvertising, L"", L"offer", Outcome()}, {kAdvertising, L" ", L" ", L" | "},
   };
   for (const auto& c : cases) {
     const Reader& reader = kReaders[c.reader];
@@ -158,90 +165,59 @@ TEST_F(Readers, AccountValuesNeedAFileMoreThanOneGibibyteAndTwoTexts) {
     if (reader.values.size() == 2) SetUserValue(reader.values.back(), c.second);
     EXPECT_EQ(reader.call(), c.expected) << "row " << (&c - cases);
   }
+  const std::wstring title(512 * 1024 - 1, L'7');  // with its null: exactly 1 MiB, read whole
+  SetUserValue(L"advertisingTitle", title);
+  std::wstring id, read;
+  EXPECT_TRUE(regUtil::getAdvertisingInfo(id, read) && read == title) << "read " << read.size() << " characters";
 }
 
 TEST_F(Readers, DpiZoomIsReadForTheWindowNumber) {
+  const auto zoomOf = [](std::uint64_t window) {
+    double zoom = 3.0;  // 3.0: left as it was
+    return std::pair(regUtil::getDpiZoom(window, zoom), zoom);
+  };
   const std::uint64_t window = 0x1234567890ull;  // wider than 32 bits: value name "78187493520"
-  double zoom = 3.0;
-  EXPECT_FALSE(regUtil::getDpiZoom(window, zoom));  // no key
-  SetText(kZoomKey, L"4660", L"2");                 // the low 32 bits only: another window
-  EXPECT_FALSE(regUtil::getDpiZoom(window, zoom));  // key, but not this value
-  EXPECT_EQ(zoom, 3.0);
-  // 3.0: left as it was.
-  const struct { const wchar_t* stored; double expected; } cases[] = {
-      {L"1.25", 1.25}, {L" 1.5x", 1.5}, {L"0", 0.0}, {L"abc", 3.0}, {L"1e999", 3.0}};
-  for (const auto& c : cases) {
-    SetText(kZoomKey, L"78187493520", c.stored);
-    zoom = 3.0;
-    EXPECT_TRUE(regUtil::getDpiZoom(window, zoom)) << "row " << (&c - cases);
-    EXPECT_EQ(zoom, c.expected) << "row " << (&c - cases);
+  EXPECT_EQ(zoomOf(window), std::pair(false, 3.0));  // no key
+  SetText(kZoomKey, L"4660", L"2");                  // the low 32 bits only: another window
+  EXPECT_EQ(zoomOf(window), std::pair(false, 3.0));  // key, but not this value
+  for (const auto& [stored, zoom] : {std::pair{L"1.25", 1.25}, {L"0", 0.0}, {L"abc", 3.0}}) {
+    SetText(kZoomKey, L"78187493520", stored);
+    EXPECT_EQ(zoomOf(window), std::pair(true, zoom)) << stored;
   }
   SetText(kZoomKey, L"18446744073709551615", L"1.75");
-  EXPECT_TRUE(regUtil::getDpiZoom(std::numeric_limits<std::uint64_t>::max(), zoom));
-  EXPECT_EQ(zoom, 1.75);
+  EXPECT_EQ(zoomOf(std::numeric_limits<std::uint64_t>::max()), std::pair(true, 1.75));
 }
 
 // Raw value bytes written as a narrow literal, without the literal's own terminator.
 template <std::size_t N>
-std::string Bytes(const char (&text)[N]) { return std::string(text, N - 1); }
+std::string Raw(const char (&text)[N]) { return std::string(text, N - 1); }
 
 // The number helper takes exactly four bytes of any type, the text helper any bytes as UTF-16.
-TEST_F(RegistryTest, HelpersTakeAnyTypeAsNumberOrText) {
+TEST_F(Readers, HelpersTakeAnyTypeAsNumberOrText) {
   const std::wstring key = kRoot + L"\\scratch";
   EXPECT_FALSE(regUtil::KeyExists(key));
   EXPECT_EQ(regUtil::ReadRegistryValue(key, L"v"), L"");
   EXPECT_EQ(regUtil::ReadRegistryDword(key, L"v"), 0u);
   const struct { const wchar_t* name; DWORD type; std::string bytes; std::uint32_t number; std::wstring text; }
   cases[] = {
-      {L"dword", REG_DWORD, Bytes("\x07\0\0\0"), 7, L"\x0007"},
-      {L"dwordDigit", REG_DWORD, Bytes("1\0\0\0"), 0x31, L"1"},
-      {L"qword", REG_QWORD, Bytes("\x09\0\0\0\0\0\0\0"), 0, L"\x0009"},
-      {L"short", REG_BINARY, Bytes("\x01\x02"), 0, L"\x0201"},
-      {L"digit", REG_SZ, Bytes("7\0\0\0"), 0x37, L"7"},  // "7" and its null: four bytes
-      {L"unterminated", REG_SZ, Bytes("a\0b\0c\0d\0e\0f\0g\0h\0i\0j\0"), 0, L"abcdefghij"},
-      {L"odd", REG_BINARY, Bytes("1\0" "2\0X"), 0, L"12X"},  // the last byte becomes a character
-      {L"oddZero", REG_BINARY, Bytes("1\0" "2\0\0"), 0, L"12"},
-      {L"leadingNull", REG_SZ, Bytes("\0\0a\0b\0\0\0"), 0, L""},
-      {L"empty", REG_SZ, Bytes("\0\0"), 0, L""},
-      {L"none", REG_NONE, "", 0, L""},
-      {L"multi", REG_MULTI_SZ, Bytes("a\0b\0\0\0c\0d\0\0\0\0\0"), 0, L"ab"},
+      {L"dword", REG_DWORD, Raw("\x07\0\0\0"), 7, L"\x0007"}, {L"dwordDigit", REG_DWORD, Raw("1\0\0\0"), 0x31, L"1"},
+      {L"qword", REG_QWORD, Raw("\x09\0\0\0\0\0\0\0"), 0, L"\x0009"}, {L"empty", REG_SZ, Raw("\0\0"), 0, L""},
+      {L"short", REG_BINARY, Raw("\x01\x02"), 0, L"\x0201"}, {L"none", REG_NONE, "", 0, L""},
+      {L"digit", REG_SZ, Raw("7\0\0\0"), 0x37, L"7"},  // "7" and its null: four bytes
+      {L"unterminated", REG_SZ, Raw("a\0b\0c\0d\0e\0f\0g\0h\0i\0j\0"), 0, L"abcdefghij"},
+      {L"odd", REG_BINARY, Raw("1\0" "2\0X"), 0, L"12X"},  // the last byte becomes a character
+      {L"oddZero", REG_BINARY, Raw("1\0" "2\0\0"), 0, L"12"}, {L"leadingNull", REG_SZ, Raw("\0\0a\0b\0\0\0"), 0, L""},
+      {L"multi", REG_MULTI_SZ, Raw("a\0b\0\0\0c\0d\0\0\0\0\0"), 0, L"ab"},
   };
   for (const auto& c : cases) SetRaw(key, c.name, c.type, c.bytes.data(), static_cast<DWORD>(c.bytes.size()));
   EXPECT_TRUE(regUtil::KeyExists(key));
   for (const auto& c : cases) {
-    EXPECT_TRUE(regUtil::ValueExists(key, c.name)) << "row " << (&c - cases);
-    EXPECT_EQ(regUtil::ReadRegistryDword(key, c.name), c.number) << "row " << (&c - cases);
-    EXPECT_EQ(regUtil::ReadRegistryValue(key, c.name), c.text) << "row " << (&c - cases);
+    EXPECT_EQ(std::tuple(regUtil::ValueExists(key, c.name), regUtil::ReadRegistryDword(key, c.name),
+                         regUtil::ReadRegistryValue(key, c.name)), std::tuple(true, c.number, c.text)) << c.name;
   }
   EXPECT_FALSE(regUtil::ValueExists(key, L"missing"));
   EXPECT_EQ(regUtil::ReadRegistryValue(key, L"missing"), L"");
   EXPECT_FALSE(regUtil::ValueExists(kRoot, L"dword")) << "a value of another key";
-}
-
-TEST_F(RegistryTest, ReadersTakeAnyShapeWholeAndKeepNoKeyOpen) {
-  using Keys = corvane::LiveCount<corvane::null_handle_traits<HKEY, corvane::detail::CloseKey>>;
-  const long before = Keys::value().load();
-  // currentUser without its terminator still names the per-user key; bLogin of any type is text.
-  SetRaw(kRoot, L"currentUser", REG_SZ, kUser.c_str(), static_cast<DWORD>(kUser.size() * sizeof(wchar_t)));
-  SetRaw(kUserKey, L"bLogin", REG_BINARY, "1\0", 2);
-  EXPECT_TRUE(regUtil::checkReadyLogin());
-  std::wstring title(512 * 1024 - 1, L'A');  // with its null: exactly 1 MiB
-  title[1000] = L'7';
-  SetUserValue(L"advertisingId", L"a1");
-  SetUserValue(L"advertisingTitle", title);
-  std::wstring id, read;
-  EXPECT_TRUE(regUtil::getAdvertisingInfo(id, read));
-  EXPECT_TRUE(read == title) << "read " << read.size() << " characters";
-
-  SetUserValue(L"bOpenSync", L"1");
-  SetUserValue(L"syncPath", MakeFolder(L"Sync"));  // with the flags above: the sync reader succeeds
-  for (const Reader& reader : kReaders) reader.call();
-  EXPECT_TRUE(regUtil::getCurrentUser(read));
-  SetText(kZoomKey, L"6", L"1.5");
-  double zoom = 0.0;
-  EXPECT_TRUE(regUtil::getDpiZoom(6, zoom));
-  EXPECT_FALSE(regUtil::getDpiZoom(7, zoom));
-  EXPECT_EQ(Keys::value().load(), before);
 }
 
 }  // namespace

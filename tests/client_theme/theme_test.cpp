@@ -18,8 +18,7 @@ TEST(ThemeSetting, DarkOnlyForTheDwordZero) {
       {REG_DWORD, &two, 4, false},
       // The type restriction rejects everything but a DWORD, even when its bytes would read as 0.
       {REG_SZ, L"0", 4, false}, {REG_BINARY, &zero, 4, false}, {REG_QWORD, "\0\0\0\0\0\0\0", 8, false},
-      {REG_DWORD, &zero, 4, true},    // read afresh, not cached
-      {REG_NONE, nullptr, 0, false},  // and again after removal
+      {REG_DWORD, &zero, 4, true}, {REG_NONE, nullptr, 0, false},  // read afresh, not cached, and after removal
   };
   for (const auto& c : cases) {
     value.Remove();
@@ -30,12 +29,10 @@ TEST(ThemeSetting, DarkOnlyForTheDwordZero) {
 
 TEST(ThemeSettingChange, ExactCaseSensitiveStringsOnly) {
   // Null, other and lower-case settings are refused in the windows' own tests; here the lengths.
-  wchar_t immersive[] = L"ImmersiveColorSet", longer[] = L"ImmersiveColorSetX", prefix[] = L"Immersive";
-  const auto param = [](wchar_t* text) { return reinterpret_cast<LPARAM>(text); };
-  EXPECT_TRUE(theme::IsSettingChange(param(immersive), L"ImmersiveColorSet"));
-  EXPECT_FALSE(theme::IsSettingChange(param(longer), L"ImmersiveColorSet"));
-  EXPECT_FALSE(theme::IsSettingChange(param(prefix), L"ImmersiveColorSet"));
-  EXPECT_FALSE(theme::IsSettingChange(param(immersive), nullptr));
+  for (const auto& [text, match] :
+       {std::pair{L"ImmersiveColorSet", true}, {L"ImmersiveColorSetX", false}, {L"Immersive", false}})
+    EXPECT_EQ(theme::IsSettingChange(reinterpret_cast<LPARAM>(text), L"ImmersiveColorSet"), match) << text;
+  EXPECT_FALSE(theme::IsSettingChange(reinterpret_cast<LPARAM>(L"ImmersiveColorSet"), nullptr));
 }
 
 }  // namespace
