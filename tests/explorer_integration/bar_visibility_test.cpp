@@ -83,9 +83,7 @@ TEST_F(ExplorerIntegration, ViewPositionChangeWithoutHeightLaysNothingOut) {
   ASSERT_TRUE(laidOut.shown);
   const HWND view = m_explorer->Handle(id, L"duiview");
   const HWND list = m_explorer->Handle(id, L"directui");
-  RECT inParent{};
-  ::GetWindowRect(view, &inParent);
-  ::MapWindowPoints(nullptr, ::GetParent(view), reinterpret_cast<POINT*>(&inParent), 2);
+  const RECT inParent = InClient(view, ::GetParent(view));
   const int width = inParent.right - inParent.left;
   const int height = inParent.bottom - inParent.top;
 
@@ -133,39 +131,7 @@ TEST_F(ExplorerIntegration, ClientStartedWhenTheBarShowsWithoutOne) {
   EXPECT_TRUE(WaitForBar(id, true).shown);
   const auto starts = launchertest::WaitForRecords(m_clients->ClientRecord(), 2, 5000);
   ASSERT_EQ(starts.size(), 2u);
-  for (const auto& start : starts) {
-    EXPECT_EQ(start.commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L""));
-  }
-}
-
-TEST_F(ExplorerIntegration, EachOfTwoWindowsGetsItsOwnBar) {
-  const int first = m_explorer->Open(m_sync);
-  ASSERT_NE(first, 0);
-  const BarState firstBar = WaitForBar(first, true);
-  ASSERT_TRUE(firstBar.shown);
-  // Opened after the first is settled: its creation hook then acts on its own, newest controller.
-  const int second = m_explorer->Open(m_inside);
-  ASSERT_NE(second, 0);
-  const BarState secondBar = WaitForBar(second, true);
-  ASSERT_TRUE(secondBar.shown);
-  EXPECT_NE(secondBar.bar, firstBar.bar);
-  ExpectLaidOut(secondBar);
-  EXPECT_NE(::GetWindowThreadProcessId(secondBar.frame, nullptr), ::GetWindowThreadProcessId(firstBar.frame, nullptr))
-      << "each window has a thread of its own, as in Explorer";
-
-  // Each window follows its own folder.
-  ASSERT_EQ(Navigate(first, m_other), L"ok");
-  ExpectRestored(WaitForBar(first, false));
-  ExpectLaidOut(WaitForBar(second, true));
-  ASSERT_EQ(Navigate(second, m_sibling), L"ok");
-  ExpectRestored(WaitForBar(second, false));
-  ASSERT_EQ(Navigate(first, m_sync), L"ok");
-  ExpectLaidOut(WaitForBar(first, true));
-
-  // Closing the newer window leaves the older one working.
-  ASSERT_EQ(m_explorer->Command(L"close " + std::to_wstring(second)), L"ok");
-  ASSERT_EQ(Navigate(first, m_other), L"ok");
-  ExpectRestored(WaitForBar(first, false));
+  for (const auto& start : starts) EXPECT_EQ(start.commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L""));
 }
 
 }  // namespace

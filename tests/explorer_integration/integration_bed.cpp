@@ -3,7 +3,6 @@
 #include <shlobj.h>
 
 #include <algorithm>
-#include <sstream>
 
 #include "client_keys.h"
 #include "client_state.h"
@@ -25,33 +24,10 @@ bool WriteString(const std::wstring& key, const wchar_t* name, const std::wstrin
 void Regsvr32(const std::wstring& dll, const std::wstring& switches) {
   wchar_t system[MAX_PATH] = {};
   ::GetSystemDirectoryW(system, MAX_PATH);
-  const moduletest::HostRun run = moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", dll, switches);
-  EXPECT_TRUE(run.finished);
+  EXPECT_TRUE(moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", dll, switches).finished);
 }
 
-std::vector<std::wstring> LogFiles(const std::wstring& dllFolder) {
-  const std::wstring folder = corvane::core::ParentFolder(dllFolder) + L"log\\Corvane\\";
-  std::vector<std::wstring> paths;
-  for (const std::wstring& name : logtest::FilesIn(folder)) paths.push_back(folder + name);
-  return paths;
-}
-
-// Read while the add-in may be writing: a half-written last character is left out.
-std::wstring ReadUtf16(const std::wstring& path) {
-  const std::vector<std::uint8_t> bytes = logtest::ReadBytes(path, true);
-  std::wstring text(bytes.size() / 2, L'\0');
-  for (size_t i = 0; i < text.size(); ++i) text[i] = static_cast<wchar_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
-  if (!text.empty() && text.front() == 0xFEFF) text.erase(0, 1);
-  return text;
-}
-
-BOOL CALLBACK FindBarProc(HWND hwnd, LPARAM lParam) {
-  wchar_t name[64] = {};
-  ::GetClassNameW(hwnd, name, 64);
-  if (std::wstring(name) != L"CorvaneTitleWindow") return TRUE;
-  *reinterpret_cast<HWND*>(lParam) = hwnd;
-  return FALSE;
-}
+}  // namespace
 
 RECT InClient(HWND window, HWND client) {
   RECT rc{};
@@ -59,8 +35,6 @@ RECT InClient(HWND window, HWND client) {
   ::MapWindowPoints(nullptr, client, reinterpret_cast<POINT*>(&rc), 2);
   return rc;
 }
-
-}  // namespace
 
 bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
   const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;
@@ -74,7 +48,8 @@ bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
 void ExplorerIntegration::SetUp() {
   testsupport::ClearClientState();
   if (m_dllFolder.empty()) m_dllFolder = corvane::ThisModuleFolder();
-  m_logsBefore = LogFiles(m_dllFolder);
+  m_logFolder = corvane::core::ParentFolder(m_dllFolder) + L"log\\Corvane\\";
+  m_logsBefore = logtest::FilesIn(m_logFolder);
   // The client and DPI tool stand-ins inherit their record files from the stand-in Explorer; the
   // client stays alive a while, as the real one does, so a running client is seen as running.
   m_clients = std::make_unique<launchertest::StandinSession>();
@@ -90,15 +65,12 @@ void ExplorerIntegration::SetUp() {
   // The helper object is registered as an installer registers it: Wine's regsvr32 on the built DLL
   // (machine-wide, since Explorer finds helper objects there only).
   Regsvr32(m_dllFolder + L"Corvane.dll", L"/s");
-  m_registered = true;
 
   RestartExplorer();
 }
 
 void ExplorerIntegration::RestartExplorer() {
-  if (m_explorer) {
-    ASSERT_TRUE(m_explorer->Quit().has_value());
-  }
+  ASSERT_TRUE(!m_explorer || m_explorer->Quit().has_value());
   m_explorer = std::make_unique<standintest::StandinSession>(m_scratch->Root());
   ASSERT_TRUE(m_explorer->Connect()) << "the stand-in's channel did not appear";
 }
@@ -110,8 +82,7 @@ void ExplorerIntegration::TearDown() {
                                                  << testing::PrintToString(m_explorer->LogText());
     m_explorer.reset();
   }
-  if (m_registered) Regsvr32(m_dllFolder + L"Corvane.dll", L"/s /u");
-  m_registered = false;
+  Regsvr32(m_dllFolder + L"Corvane.dll", L"/s /u");
   testsupport::ClearClientState();
   m_clients.reset();
   m_scratch.reset();
@@ -135,9 +106,12 @@ BarState ExplorerIntegration::Bar(int id) {
   const HWND frame = m_explorer->Handle(id, L"frame");
   const HWND view = m_explorer->Handle(id, L"duiview");
   const HWND list = m_explorer->Handle(id, L"directui");
-  ::EnumChildWindows(frame, &FindBarProc, reinterpret_cast<LPARAM>(&state.bar));
   state.frame = frame;
-  if (state.bar == nullptr || view == nullptr) return state;
+  if (view == nullptr) return state;
+  // Shown, the bar is a child of the view window; hidden, it is parked under the frame.
+  state.bar = ::FindWindowExW(view, nullptr, L"CorvaneTitleWindow", nullptr);
+  if (state.bar == nullptr) state.bar = ::FindWindowExW(frame, nullptr, L"CorvaneTitleWindow", nullptr);
+  if (state.bar == nullptr) return state;
   state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
   state.barInView = InClient(state.bar, view);
   state.listInView = InClient(list, view);
@@ -159,31 +133,22 @@ BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
   return state;
 }
 
-std::vector<std::wstring> ExplorerIntegration::NewLogFiles() const {
-  std::vector<std::wstring> made;
-  for (std::wstring& path : LogFiles(m_dllFolder)) {
-    if (std::find(m_logsBefore.begin(), m_logsBefore.end(), path) == m_logsBefore.end()) made.push_back(std::move(path));
-  }
-  return made;
-}
-
 std::vector<std::wstring> ExplorerIntegration::LogLines() const {
   std::vector<std::wstring> lines;
-  for (const std::wstring& path : NewLogFiles()) {
-    std::wistringstream text(ReadUtf16(path));
-    for (std::wstring line; std::getline(text, line);) {
-      if (!line.empty() && line.back() == L'\r') line.pop_back();
-      lines.push_back(std::move(line));
-    }
+  for (const std::wstring& name : logtest::FilesIn(m_logFolder)) {
+    if (std::find(m_logsBefore.begin(), m_logsBefore.end(), name) != m_logsBefore.end()) continue;
+    // Read while the add-in may be writing: a half-written last character is left out.
+    const std::vector<std::uint8_t> bytes = logtest::ReadBytes(m_logFolder + name, true);
+    const std::wstring text(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2);
+    for (std::wstring& line : logtest::SplitCrLf(text)) lines.push_back(std::move(line));
   }
   return lines;
 }
 
 size_t ExplorerIntegration::CountLog(const std::wstring& text) const {
   const std::vector<std::wstring> lines = LogLines();
-  return static_cast<size_t>(std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) {
-    return line.size() >= text.size() && line.compare(line.size() - text.size(), text.size(), text) == 0;
-  }));
+  return static_cast<size_t>(
+      std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) { return line.find(text) != line.npos; }));
 }
 
 std::wstring ExplorerIntegration::Navigate(int id, const std::wstring& location) {

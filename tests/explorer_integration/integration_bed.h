@@ -18,8 +18,6 @@
 
 namespace integrationtest {
 
-inline constexpr UINT kBrowseObject = WM_USER + 218;
-
 // Where the bar is, seen from outside the stand-in.
 struct BarState {
   HWND bar = nullptr;
@@ -47,10 +45,9 @@ class ExplorerIntegration : public ::testing::Test {
   // Polls until the bar's visibility is `shown` (and, shown, laid out) or timeoutMs passes.
   BarState WaitForBar(int id, bool shown, DWORD timeoutMs = 2000);
 
-  // The add-in's log files made since the test began, and their lines in the order written.
-  std::vector<std::wstring> NewLogFiles() const;
+  // The lines of the add-in's log files made since the test began, in the order written.
   std::vector<std::wstring> LogLines() const;
-  // Lines ending in `text`.
+  // Lines holding `text`.
   size_t CountLog(const std::wstring& text) const;
 
   std::wstring Navigate(int id, const std::wstring& location);
@@ -69,10 +66,12 @@ class ExplorerIntegration : public ::testing::Test {
   std::wstring m_other;     // a folder elsewhere
 
  private:
+  std::wstring m_logFolder;
   std::vector<std::wstring> m_logsBefore;
-  bool m_registered = false;
 };
 
+// The window's rectangle in the client coordinates of another.
+RECT InClient(HWND window, HWND client);
 // Polls condition every 20 ms until it holds or timeoutMs passes; its last answer.
 bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs);
 

@@ -26,7 +26,8 @@ std::wstring Round(HWND frame) { return L"HWND = " + Digits(frame) + L" call che
 TEST_F(ExplorerIntegration, BrowseObjectNavigatesOnlyToFileSystemFolders) {
   const int id = m_explorer->Open(m_other);
   ASSERT_NE(id, 0);
-  const std::wstring send = L"send " + Id(id) + L" " + std::to_wstring(kBrowseObject) + L" 0 ";
+  // Explorer's private message that asks the frame to browse to a PIDL.
+  const std::wstring send = L"send " + Id(id) + L" " + std::to_wstring(WM_USER + 218) + L" 0 ";
 
   EXPECT_EQ(m_explorer->Command(send + L"pidl:" + m_inside), L"ok 1");
   ASSERT_EQ(m_explorer->Command(L"sync " + Id(id)), L"ok");
@@ -107,40 +108,56 @@ TEST_F(ExplorerIntegration, EventSinkAdvisedOnceAndUnadvisedOnceHoweverTheSiteGo
   EXPECT_EQ(m_explorer->Command(L"connections"), L"ok 2 2 0");
 }
 
-TEST_F(ExplorerIntegration, ClosingDetachesEachWindowAndOnlyTheLastLetsTheModuleGo) {
-  const int first = m_explorer->Open(m_sync), second = m_explorer->Open(m_inside);
-  ASSERT_TRUE(first != 0 && second != 0);
-  const HWND firstFrame = m_explorer->Handle(first, L"frame"), secondFrame = m_explorer->Handle(second, L"frame");
-  ASSERT_TRUE(WaitForBar(first, true).shown);
-  ASSERT_TRUE(WaitForBar(second, true).shown);
+TEST_F(ExplorerIntegration, EachWindowHasItsOwnBarAndOnlyTheLastToCloseLetsTheModuleGo) {
+  const int first = m_explorer->Open(m_sync);
+  ASSERT_NE(first, 0);
+  const BarState firstBar = WaitForBar(first, true);
+  ASSERT_TRUE(firstBar.shown);
+  // Opened after the first is settled: its creation hook then acts on its own, newest controller.
+  const int second = m_explorer->Open(m_inside);
+  ASSERT_NE(second, 0);
+  const BarState secondBar = WaitForBar(second, true);
+  ASSERT_TRUE(secondBar.shown);
+  EXPECT_NE(secondBar.bar, firstBar.bar);
+  EXPECT_NE(::GetWindowThreadProcessId(secondBar.frame, nullptr), ::GetWindowThreadProcessId(firstBar.frame, nullptr))
+      << "each window has a thread of its own, as in Explorer";
   EXPECT_EQ(m_explorer->Command(L"canunload Corvane.dll"), L"ok 0x00000001");
 
-  // A closed window's check stops: the other window's rounds go on while its own do not.
+  // Each window follows its own folder.
+  ASSERT_EQ(Navigate(first, m_other), L"ok");
+  EXPECT_FALSE(WaitForBar(first, false).shown);
+  ASSERT_EQ(Navigate(second, m_sibling), L"ok");
+  EXPECT_FALSE(WaitForBar(second, false).shown);
+  ASSERT_EQ(Navigate(first, m_sync), L"ok");
+  EXPECT_TRUE(WaitForBar(first, true).shown);
+  EXPECT_FALSE(Bar(second).shown);
+
+  // Closing the newer window stops its check: the older window's rounds go on while its own do not.
   Publish(L"1", L"1", L"");
-  ASSERT_TRUE(WaitUntil([&] { return CountLog(Round(firstFrame)) >= 2; }, 3000));
-  ASSERT_EQ(m_explorer->Command(L"close " + Id(first)), L"ok");
-  const size_t firstRounds = CountLog(Round(firstFrame)), secondRounds = CountLog(Round(secondFrame));
-  ASSERT_TRUE(WaitUntil([&] { return CountLog(Round(secondFrame)) >= secondRounds + 2; }, 3000));
-  EXPECT_EQ(CountLog(Round(firstFrame)), firstRounds) << "the folder check still runs after the window closed";
+  ASSERT_TRUE(WaitUntil([&] { return CountLog(Round(secondBar.frame)) >= 2; }, 3000));
+  ASSERT_EQ(m_explorer->Command(L"close " + Id(second)), L"ok");
+  const size_t closedRounds = CountLog(Round(secondBar.frame)), keptRounds = CountLog(Round(firstBar.frame));
+  ASSERT_TRUE(WaitUntil([&] { return CountLog(Round(firstBar.frame)) >= keptRounds + 2; }, 3000));
+  EXPECT_EQ(CountLog(Round(secondBar.frame)), closedRounds) << "the folder check still runs after the window closed";
 
   // COM asked to free what the remaining window's apartment does not use: the add-in is in use
   // there, and goes on working.
-  EXPECT_EQ(m_explorer->Command(L"freeunused " + Id(second)), L"ok");
+  EXPECT_EQ(m_explorer->Command(L"freeunused " + Id(first)), L"ok");
   EXPECT_EQ(m_explorer->Command(L"canunload Corvane.dll"), L"ok 0x00000001") << "one window still open";
   Publish(L"1", L"1", m_sync);
-  ASSERT_TRUE(WaitForBar(second, true).shown);
+  ASSERT_TRUE(WaitForBar(first, true).shown);
 
   // A close that meets a running check. The check asks for the view from the timer thread, held
   // there for two seconds; the next check begins a second after the one that noted a folder ends, so
   // a close half a second into it meets it, and the new folder it then notes is logged after the
   // detach began.
   ASSERT_EQ(m_explorer->Command(L"viewdelay 2000"), L"ok");
-  ASSERT_EQ(Navigate(second, m_sibling), L"ok");
-  const std::wstring noted = L"HWND = " + Digits(secondFrame) + L" call GetCurrentFolderPath = ";
+  ASSERT_EQ(Navigate(first, m_sibling), L"ok");
+  const std::wstring noted = L"HWND = " + Digits(firstBar.frame) + L" call GetCurrentFolderPath = ";
   ASSERT_TRUE(WaitUntil([&] { return CountLog(noted + m_sibling + L".") == 1; }, 8000));
   ::Sleep(1500);
-  ASSERT_EQ(Navigate(second, m_other), L"ok");
-  ASSERT_EQ(m_explorer->Command(L"close " + Id(second)), L"ok");
+  ASSERT_EQ(Navigate(first, m_other), L"ok");
+  ASSERT_EQ(m_explorer->Command(L"close " + Id(first)), L"ok");
   ASSERT_EQ(m_explorer->Command(L"viewdelay 0"), L"ok");
   const std::vector<std::wstring> lines = LogLines();
   const auto detach = std::find_if(lines.rbegin(), lines.rend(), [](const std::wstring& line) {

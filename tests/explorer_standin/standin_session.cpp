@@ -11,15 +11,20 @@ namespace standintest {
 
 namespace {
 
-constexpr DWORD kConnectTimeoutMs = 20000;
-constexpr DWORD kReplyTimeoutMs = 30000;
-
 std::wstring FromUtf8(const std::string& text) {
-  if (text.empty()) return std::wstring();
   const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
   std::wstring out(static_cast<size_t>(size > 0 ? size : 0), L'\0');
   ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
   return out;
+}
+
+// What follows "ok " in the reply to a command that answers with a number; "0" and a failure of the
+// calling test for any other reply.
+std::wstring OkValue(StandinSession& session, const std::wstring& command) {
+  const std::wstring reply = session.Command(command);
+  if (reply.compare(0, 3, L"ok ") == 0) return reply.substr(3);
+  ADD_FAILURE() << testing::PrintToString(command) << ": " << testing::PrintToString(reply);
+  return L"0";
 }
 
 }  // namespace
@@ -43,8 +48,7 @@ StandinSession::StandinSession(const std::wstring& folder) {
 }
 
 StandinSession::~StandinSession() {
-  if (!m_process) return;
-  if (::WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT && !Quit()) {
+  if (m_process && ::WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT && !Quit()) {
     ADD_FAILURE() << "the stand-in did not end after quit; log:\n" << testing::PrintToString(LogText());
     ::TerminateProcess(m_process.get(), 99);
     ::WaitForSingleObject(m_process.get(), 5000);
@@ -53,41 +57,14 @@ StandinSession::~StandinSession() {
 
 bool StandinSession::Connect() {
   if (m_pipe) return true;
-  const ULONGLONG deadline = ::GetTickCount64() + kConnectTimeoutMs;
+  const ULONGLONG deadline = ::GetTickCount64() + 20000;
   while (::GetTickCount64() < deadline) {
     m_pipe.reset(::CreateFileW(m_pipeName.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (m_pipe) {
-      m_pending.clear();
-      return true;
-    }
+    if (m_pipe) return true;
     if (m_process && ::WaitForSingleObject(m_process.get(), 0) == WAIT_OBJECT_0) return false;
     ::Sleep(50);
   }
   return false;
-}
-
-bool StandinSession::ReadLine(std::string& line, DWORD timeoutMs) {
-  const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;
-  for (;;) {
-    const size_t end = m_pending.find('\n');
-    if (end != std::string::npos) {
-      line = m_pending.substr(0, end);
-      m_pending.erase(0, end + 1);
-      return true;
-    }
-    // Polled, so that a stand-in that hangs fails the test instead of hanging it.
-    DWORD available = 0;
-    if (!::PeekNamedPipe(m_pipe.get(), nullptr, 0, nullptr, &available, nullptr)) return false;
-    if (available == 0) {
-      if (::GetTickCount64() >= deadline) return false;
-      ::Sleep(5);
-      continue;
-    }
-    char buffer[4096];
-    DWORD read = 0;
-    if (!::ReadFile(m_pipe.get(), buffer, available < sizeof buffer ? available : sizeof buffer, &read, nullptr)) return false;
-    m_pending.append(buffer, read);
-  }
 }
 
 std::wstring StandinSession::Command(const std::wstring& line) {
@@ -95,34 +72,35 @@ std::wstring StandinSession::Command(const std::wstring& line) {
   const std::string bytes = logtest::Utf8(line + L"\n");
   DWORD written = 0;
   if (!::WriteFile(m_pipe.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) return L"<no reply>";
+  // Polled, so that a stand-in that hangs fails the test instead of hanging it; a byte at a time, so
+  // that nothing of a later reply is read with this one.
   std::string reply;
-  if (!ReadLine(reply, kReplyTimeoutMs)) return L"<no reply>";
+  const ULONGLONG deadline = ::GetTickCount64() + 30000;
+  for (char c = 0; c != '\n';) {
+    DWORD available = 0, read = 0;
+    if (!::PeekNamedPipe(m_pipe.get(), nullptr, 0, nullptr, &available, nullptr)) return L"<no reply>";
+    if (available == 0) {
+      if (::GetTickCount64() >= deadline) return L"<no reply>";
+      ::Sleep(5);
+    } else if (!::ReadFile(m_pipe.get(), &c, 1, &read, nullptr)) {
+      return L"<no reply>";
+    } else if (c != '\n') {
+      reply += c;
+    }
+  }
   return FromUtf8(reply);
 }
 
-int StandinSession::Open(const std::wstring& location) {
-  const std::wstring reply = Command(L"open " + location);
-  if (reply.compare(0, 3, L"ok ") != 0) {
-    ADD_FAILURE() << "open " << testing::PrintToString(location) << ": " << testing::PrintToString(reply);
-    return 0;
-  }
-  return std::stoi(reply.substr(3));
-}
+int StandinSession::Open(const std::wstring& location) { return std::stoi(OkValue(*this, L"open " + location)); }
 
 HWND StandinSession::Handle(int id, const std::wstring& part) {
-  const std::wstring reply = Command(L"hwnd " + std::to_wstring(id) + L" " + part);
-  if (reply.compare(0, 3, L"ok ") != 0) {
-    ADD_FAILURE() << "hwnd " << id << " " << testing::PrintToString(part) << ": " << testing::PrintToString(reply);
-    return nullptr;
-  }
-  return reinterpret_cast<HWND>(static_cast<ULONG_PTR>(std::stoull(reply.substr(3))));
+  return reinterpret_cast<HWND>(static_cast<ULONG_PTR>(std::stoull(OkValue(*this, L"hwnd " + std::to_wstring(id) + L" " + part))));
 }
 
 std::optional<DWORD> StandinSession::Quit() {
   if (!m_process) return std::nullopt;
   if (::WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT) {
-    const std::wstring reply = Command(L"quit");
-    EXPECT_EQ(reply, L"ok");
+    EXPECT_EQ(Command(L"quit"), L"ok");
   }
   m_pipe.reset();
   if (::WaitForSingleObject(m_process.get(), 20000) != WAIT_OBJECT_0) return std::nullopt;
@@ -132,13 +110,8 @@ std::optional<DWORD> StandinSession::Quit() {
 }
 
 std::wstring StandinSession::LogText() const {
-  std::string bytes;
-  const corvane::unique_file file(::CreateFileW(m_log.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
-  if (!file) return std::wstring();
-  char buffer[4096];
-  DWORD read = 0;
-  while (::ReadFile(file.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) bytes.append(buffer, read);
-  return FromUtf8(bytes);
+  const std::vector<std::uint8_t> bytes = logtest::ReadBytes(m_log, true);
+  return FromUtf8(std::string(bytes.begin(), bytes.end()));
 }
 
 }  // namespace standintest

@@ -33,13 +33,10 @@ class StandinSession {
   std::wstring LogText() const;
 
  private:
-  bool ReadLine(std::string& line, DWORD timeoutMs);
-
   std::wstring m_pipeName;
   std::wstring m_log;
   corvane::unique_handle m_process;
   corvane::unique_file m_pipe;
-  std::string m_pending;
 };
 
 }  // namespace standintest

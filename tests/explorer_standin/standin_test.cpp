@@ -20,11 +20,11 @@ std::wstring ClassOf(HWND window) {
   return name;
 }
 
-TEST(StandinWindowTree, ClassesParentageAndOneThreadPerWindow) {
+TEST(Standin, WindowTreeOneThreadPerWindowAndAChannelThatSaysOkOnlyForWhatWasDone) {
   ScratchFolder scratch;
-  const std::wstring folder = scratch.MakeFolder(L"Alpha");
+  const std::wstring alpha = scratch.MakeFolder(L"Alpha"), beta = scratch.MakeFolder(L"Beta");
   StandinSession standin(scratch.Root());
-  const int first = standin.Open(folder), second = standin.Open(folder);
+  const int first = standin.Open(alpha), second = standin.Open(alpha);
   ASSERT_EQ(first, 1) << testing::PrintToString(standin.LogText());
 
   struct Part {
@@ -60,14 +60,8 @@ TEST(StandinWindowTree, ClassesParentageAndOneThreadPerWindow) {
   ::MapWindowPoints(nullptr, view, reinterpret_cast<POINT*>(&list), 2);
   ::GetClientRect(view, &client);
   EXPECT_TRUE(::EqualRect(&list, &client));
-}
 
-TEST(StandinControlChannel, OneReplyPerCommandAndOkOnlyForWhatWasDone) {
-  ScratchFolder scratch;
-  const std::wstring alpha = scratch.MakeFolder(L"Alpha"), beta = scratch.MakeFolder(L"Beta");
-  StandinSession standin(scratch.Root());
-  ASSERT_EQ(standin.Open(alpha), 1) << testing::PrintToString(standin.LogText());
-
+  // One reply per command, "ok" only for what was done.
   struct Case {
     std::wstring command;
     std::wstring reply;  // exact, or a prefix when it ends in a blank
@@ -84,11 +78,7 @@ TEST(StandinControlChannel, OneReplyPerCommandAndOkOnlyForWhatWasDone) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.command));
     const std::wstring reply = standin.Command(c.command);
-    if (c.reply.back() == L' ') {
-      EXPECT_EQ(reply.compare(0, c.reply.size(), c.reply), 0) << testing::PrintToString(reply);
-    } else {
-      EXPECT_EQ(reply, c.reply);
-    }
+    EXPECT_EQ(c.reply.back() == L' ' ? reply.substr(0, c.reply.size()) : reply, c.reply) << testing::PrintToString(reply);
   }
 }
 

@@ -2,11 +2,11 @@
 // the log folder belongs, a skin that cannot be written, has lost its pictures or holds broken ones,
 // and no WMI. In each a window still gets its bar laid out, follows navigation and closes, and the
 // stand-in goes on answering (a hang shows as a channel reply that never comes).
-#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <iterator>
 
+#include "../client_registry/saved_value.h"
 #include "core/paths.h"
 #include "integration_bed.h"
 #include "log_files.h"
@@ -35,8 +35,6 @@ HWND Descendant(HWND parent, int id) {
 
 using Bytes = std::vector<std::uint8_t>;
 
-Bytes BytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
 // A message to a window of the bar, handled on the stand-in's window thread.
 void Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   DWORD_PTR result = 0;
@@ -48,20 +46,6 @@ void Click(HWND window) {
   Send(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
   Send(window, WM_LBUTTONUP, 0, MAKELPARAM(2, 2));
 }
-
-// Wine takes a program's DLL overrides from the WINEDLLOVERRIDES it was started with, which a Windows
-// parent cannot change for its child (Wine's own variables pass from Unix parent to child), or from
-// the per-program key, where an empty value disables the DLL: here for programs named explorer.exe.
-class WmiProviderDisabled {
- public:
-  WmiProviderDisabled() {
-    EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"wbemprox", REG_SZ, L"", sizeof(wchar_t)), ERROR_SUCCESS);
-  }
-  ~WmiProviderDisabled() { ::RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"wbemprox"); }
-
- private:
-  static constexpr wchar_t kKey[] = L"Software\\Wine\\AppDefaults\\explorer.exe\\DllOverrides";
-};
 
 // The add-in runs from a private copy of the installation (DLL, skin and DPI tool in Halvex\shell,
 // the client above it), registered in place of the test bed's DLL.
@@ -140,17 +124,13 @@ TEST_F(EnvironmentFault, WithoutTheClientEveryBarActionIsLoggedAndNothingStarts)
     SCOPED_TRACE(action.what);
     ASSERT_NE(action.window, nullptr);
     const std::wstring logged = L"call cx::exeCloudCommandLine = " + ClientExe() + L" -shellpopwin \"" + action.fields;
-    const auto count = [&] {
-      const std::vector<std::wstring> lines = LogLines();
-      return std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) { return line.find(logged) != std::wstring::npos; });
-    };
-    const auto before = count();
+    const size_t before = CountLog(logged);
     if (action.message == kClick) {
       Click(action.window);
     } else {
       Send(action.window, action.message, action.wParam, MAKELPARAM(3, 3));
     }
-    EXPECT_TRUE(WaitUntil([&] { return count() > before; }, 2000)) << "no log line for the command";
+    EXPECT_TRUE(WaitUntil([&] { return CountLog(logged) > before; }, 2000)) << "no log line for the command";
   }
   ExpectFollowsAndCloses(id);
   // Read after the window's whole life: a client started by any of the actions has long written its
@@ -164,11 +144,12 @@ TEST_F(EnvironmentFault, AFileWhereTheLogFolderBelongsLeavesTheAddInWorking) {
   std::error_code error;
   const std::wstring blocker = (logs / L"Corvane").wstring();
   fs::remove_all(blocker, error);
-  logtest::WriteBytes(blocker, BytesOf("in the way"));
+  const Bytes inTheWay(10, 'x');
+  logtest::WriteBytes(blocker, inTheWay);
   ASSERT_TRUE(fs::is_regular_file(blocker));
 
   ExpectAWindowWorks();
-  EXPECT_EQ(logtest::ReadBytes(blocker), BytesOf("in the way"));
+  EXPECT_EQ(logtest::ReadBytes(blocker), inTheWay);
   EXPECT_EQ(std::distance(fs::directory_iterator(logs), fs::directory_iterator()), 1) << "written beside the log folder";
 }
 
@@ -218,22 +199,22 @@ TEST_F(EnvironmentFault, ABrokenSkinStillGivesALaidOutBar) {
 }
 
 TEST_F(EnvironmentFault, WithoutWmiEveryClientProcessCountsAsAMainProcess) {
-  const auto clickSyncProgress = [&](int id) {
-    const HWND button = Descendant(WaitForBar(id, true).bar, 4001);
-    ASSERT_NE(button, nullptr);
-    Click(button);
-  };
-
   // A fresh stand-in in which WMI's provider cannot load. (That the gate asks WMI when it can is
-  // the launcher tests' concern.)
-  const WmiProviderDisabled noWmi;
+  // the launcher tests' concern.) Wine takes a program's DLL overrides from the WINEDLLOVERRIDES it
+  // was started with, which a Windows parent cannot change for its child, or from the per-program
+  // key, where an empty value disables the DLL: here for programs named explorer.exe.
+  const registrytest::SavedValue noWmi{L"Software\\Wine\\AppDefaults\\explorer.exe\\DllOverrides", L"wbemprox"};
+  ASSERT_TRUE(noWmi.Write(REG_SZ, L"", sizeof(wchar_t)));
   RestartExplorer();
   const int id = m_explorer->Open(m_sync);
   ASSERT_NE(id, 0);
-  ASSERT_TRUE(WaitForBar(id, true).shown);
+  const BarState state = WaitForBar(id, true);
+  ASSERT_TRUE(state.shown);
+  const HWND syncProgress = Descendant(state.bar, 4001);
+  ASSERT_NE(syncProgress, nullptr);
   ASSERT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 1).size(), 1u);
   const size_t gateLines = CountLog(L" num:1");
-  clickSyncProgress(id);
+  Click(syncProgress);
   EXPECT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 2).size(), 2u) << "one client: the command goes";
   EXPECT_EQ(CountLog(L" num:1"), gateLines + 1);
   EXPECT_EQ(m_explorer->Command(L"canunload wbemprox.dll"), L"ok unloaded") << "WMI was there after all";
@@ -244,7 +225,7 @@ TEST_F(EnvironmentFault, WithoutWmiEveryClientProcessCountsAsAMainProcess) {
   m_clients->StartClient(L"--type=renderer");
   ASSERT_EQ(launchertest::WaitForRecords(m_clients->ClientRecord(), 3).size(), 3u);
   const size_t refusedBefore = CountLog(L"call cx::exeCloudCommandLine = .");
-  clickSyncProgress(id);
+  Click(syncProgress);
   EXPECT_EQ(CountLog(L"call cx::exeCloudCommandLine = ."), refusedBefore + 1);
   ExpectFollowsAndCloses(id);
   EXPECT_EQ(launchertest::ReadRecords(m_clients->ClientRecord()).size(), 3u) << "the command went through the gate";
