@@ -20,9 +20,8 @@ std::vector<std::wstring> LogOfHost(const std::wstring& folder, const std::vecto
     if (std::find(before.begin(), before.end(), name) != before.end()) continue;
     // Other programs' files come and go in the same folder.
     const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(folder + L"\\" + name, true));
-    if (std::none_of(lines.begin(), lines.end(), [&](const std::wstring& l) { return l.ends_with(L"]ower app = " + hostPath); })) {
-      continue;
-    }
+    const auto namesHost = [&](const std::wstring& l) { return l.ends_with(L"]ower app = " + hostPath); };
+    if (std::none_of(lines.begin(), lines.end(), namesHost)) continue;
     EXPECT_TRUE(messages.empty()) << "a second log file names the host";
     for (const std::wstring& text : lines) {
       logtest::LogLine line;

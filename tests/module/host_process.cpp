@@ -48,10 +48,9 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
 
   std::string bytes;
   char buffer[4096];
-  DWORD read = 0;
   // Only what the child wrote is read: a helper it started (Wine starts its desktop process for a
   // program that touches the window station) may inherit the write end and keep the pipe open.
-  DWORD available = 0;
+  DWORD read = 0, available = 0;
   while (::PeekNamedPipe(readEnd.get(), nullptr, 0, nullptr, &available, nullptr) && available > 0 &&
          ::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
     bytes.append(buffer, read);

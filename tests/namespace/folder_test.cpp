@@ -53,8 +53,7 @@ class FolderTest : public ::testing::TestWithParam<FolderClass> {
     ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
     m_host = std::make_unique<nshost::NamespaceHost>();
     // This program lies one folder below the DLL, as the namespace-host does.
-    const std::wstring dll = corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll";
-    ASSERT_EQ(m_host->LoadFolder(dll, *GetParam().clsid), S_OK);
+    ASSERT_EQ(m_host->LoadFolder(corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll", *GetParam().clsid), S_OK);
     m_folder = m_host->Folder();
   }
   void TearDown() override {
@@ -123,9 +122,6 @@ TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
   EXPECT_EQ(eaten, 77u);
   EXPECT_EQ(attributes, 77u);
 
-  ComPtr<IEnumIDList> items;
-  EXPECT_EQ(m_folder->EnumObjects(nullptr, SHCONTF_FOLDERS, &items), E_NOTIMPL);
-  EXPECT_EQ(items.Get(), nullptr);
   void* ui = reinterpret_cast<void*>(0x1234);
   EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);
   EXPECT_EQ(ui, nullptr);

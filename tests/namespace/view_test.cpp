@@ -96,8 +96,7 @@ class ViewTest : public ::testing::Test {
     testsupport::PublishClientState(state, m_syncFolder);
     m_host = std::make_unique<nshost::NamespaceHost>();
     // This program lies in <client>\shell\namespace-tests\, the DLL in <client>\shell\.
-    const std::wstring dll = corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll";
-    ASSERT_EQ(m_host->LoadFolder(dll, CLSID_MyShellFolder), S_OK);
+    ASSERT_EQ(m_host->LoadFolder(corvane::core::ParentFolder(corvane::ThisModuleFolder()) + L"Corvane.dll", CLSID_MyShellFolder), S_OK);
     ASSERT_EQ(m_host->OpenView(width, height), S_OK);
     // The face tests read the screen; other tests' windows on the same display must not cover it.
     ::SetWindowPos(m_host->Frame(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -106,7 +105,6 @@ class ViewTest : public ::testing::Test {
     ::RedrawWindow(m_host->Frame(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     nshost::PumpFor(0);
   }
-  void SetDarkTheme(bool dark) { ASSERT_TRUE(m_theme->Set(dark)); }
   HWND Prompt() const { return ::FindWindowExW(m_host->ViewWindow(), nullptr, L"CorvaneMainWindow", nullptr); }
   // One round of the prompt's one-second poll, and the state post it makes, handled.
   WPARAM Poll() {
@@ -156,14 +154,11 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
   };
   for (const auto& face : faces) {
     SCOPED_TRACE(testing::Message() << face.width << "x" << face.height << (face.dark ? " dark" : " light"));
-    SetDarkTheme(face.dark);
+    ASSERT_TRUE(m_theme->Set(face.dark));
     OpenView(face.state, face.width, face.height);
     const HWND prompt = Prompt();
     ASSERT_NE(prompt, nullptr);
-    EXPECT_TRUE(::IsWindowVisible(prompt));
-    const RECT promptRect = RectIn(prompt, m_host->ViewWindow());
-    EXPECT_EQ(promptRect.right - promptRect.left, face.width);
-    EXPECT_EQ(promptRect.bottom - promptRect.top, face.height);
+    // A hidden prompt hides its buttons too, and the button's place follows the prompt's size.
     for (int i = 0; i < 4; ++i) {
       ASSERT_NE(Button(prompt, i), nullptr) << i;
       EXPECT_EQ(::IsWindowVisible(Button(prompt, i)) != FALSE, i == face.button) << "button " << i;
@@ -194,7 +189,7 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
 
 TEST_F(ViewTest, PromptTakesTheThemeAtAColourSetChangeOnly) {
   OpenView(ClientState::kSignedOut, 600, 400);
-  SetDarkTheme(true);
+  ASSERT_TRUE(m_theme->Set(true));
   const auto corner = [&](const wchar_t* setting) {
     ::SendMessageW(Prompt(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(setting));
     // The setting handler leaves repainting to whoever changed the setting.

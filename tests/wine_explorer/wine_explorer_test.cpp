@@ -18,7 +18,6 @@ namespace {
 using testsupport::ClientState;
 
 constexpr wchar_t kFolderPath[] = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{6e0d3a92-c4b7-4a18-8f25-b93c1d7e5a40}";
-constexpr wchar_t kPromptClass[] = L"CorvaneMainWindow";
 constexpr UINT_PTR kPollTimer = 1;  // the prompt's one-second poll
 constexpr DWORD kWait = 15000;
 
@@ -45,8 +44,6 @@ class WineExplorer {
       WaitForExit(5000);
     }
   }
-  WineExplorer(const WineExplorer&) = delete;
-  WineExplorer& operator=(const WineExplorer&) = delete;
 
   HANDLE Handle() const { return m_process.get(); }
   // The process's browser window, or null.
@@ -58,13 +55,6 @@ class WineExplorer {
       if (m_process && pid == ::GetProcessId(m_process.get())) return w;
     }
     return nullptr;
-  }
-  // Types the parsing path into the address box and presses Enter; shell-nav lies in the client
-  // folder's tools folder, one level up from this program.
-  bool Navigate(const std::wstring& path) const {
-    const moduletest::HostRun run =
-        moduletest::RunHost(moduletest::ProgramFolder() + L"..\\tools\\shell-nav.exe", L"navigate", L"\"" + path + L"\"");
-    return run.finished && run.exitCode == 0;
   }
   bool WaitForExit(DWORD timeoutMs) const {
     return !m_process || ::WaitForSingleObject(m_process.get(), timeoutMs) == WAIT_OBJECT_0;
@@ -108,13 +98,17 @@ class WineExplorerTest : public testing::Test {
   void Open(ClientState state) {
     testsupport::PublishClientState(state, m_syncFolder);
     m_explorer = std::make_unique<WineExplorer>();
-    ASSERT_NE(m_explorer->Handle(), nullptr);
+    // A failed start shows as no window.
     ASSERT_TRUE(WaitUntil([&] { return m_explorer->Window() != nullptr; }, kWait));
     // A new window may not act on the first Enter in its address box yet: type the path again
     // until our view is there.
     bool opened = false;
     for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
-      ASSERT_TRUE(m_explorer->Navigate(kFolderPath));
+      // shell-nav (in the client folder's tools folder, one level up from this program) types the
+      // parsing path into the address box and presses Enter.
+      const moduletest::HostRun run = moduletest::RunHost(moduletest::ProgramFolder() + L"..\\tools\\shell-nav.exe",
+                                                          L"navigate", L"\"" + std::wstring(kFolderPath) + L"\"");
+      ASSERT_TRUE(run.finished && run.exitCode == 0);
       opened = WaitUntil(
           [&] { return FindDescendant(m_explorer->Window(), L"CorvaneShellView") != nullptr; }, 5000);
     }
@@ -142,7 +136,7 @@ TEST_F(WineExplorerTest, PromptFillsTheViewWithTheFaceOfTheState) {
     HWND prompt = nullptr;
     ASSERT_TRUE(WaitUntil(
         [&] {
-          prompt = FindDescendant(m_explorer->Window(), kPromptClass);
+          prompt = FindDescendant(m_explorer->Window(), L"CorvaneMainWindow");
           return prompt != nullptr && ::IsWindowVisible(prompt);
         },
         kWait));
@@ -168,10 +162,9 @@ TEST_F(WineExplorerTest, PromptFillsTheViewWithTheFaceOfTheState) {
         kWait))
         << testing::PrintToString(visible);
     // After two more polls Explorer is still on the folder.
-    ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
-    ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
+    for (int poll = 0; poll < 2; ++poll) ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
     EXPECT_FALSE(m_explorer->WaitForExit(500));
-    EXPECT_EQ(FindDescendant(m_explorer->Window(), kPromptClass), prompt);
+    EXPECT_EQ(FindDescendant(m_explorer->Window(), L"CorvaneMainWindow"), prompt);
   }
 }
 
