@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ostream>
 
 #include "platform/gdiplus_session.h"
 #include "platform/handles.h"
@@ -22,10 +21,6 @@ struct GdiplusEnvironment : ::testing::Environment {
 [[maybe_unused]] ::testing::Environment* const g_gdiplus = ::testing::AddGlobalTestEnvironment(new GdiplusEnvironment);
 
 }  // namespace
-
-void PrintTo(const Argb& pixel, std::ostream* os) {
-  *os << "ARGB(" << int(pixel.a) << ", " << int(pixel.r) << ", " << int(pixel.g) << ", " << int(pixel.b) << ")";
-}
 
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks) {
   Gdiplus::Bitmap bitmap(width, height, PixelFormat32bppARGB);
@@ -95,8 +90,7 @@ std::optional<Picture> CaptureClient(HWND window) {
   Picture picture = PaintedBy(client.right, client.bottom, [&](HDC dc) {
     copied = ::BitBlt(dc, 0, 0, client.right, client.bottom, source.get(), 0, 0, SRCCOPY) != FALSE;
   });
-  if (!copied) return std::nullopt;
-  return picture;
+  return copied ? std::optional(picture) : std::nullopt;
 }
 
 std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {
