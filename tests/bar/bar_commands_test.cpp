@@ -9,7 +9,6 @@
 namespace bartest {
 namespace {
 
-std::wstring Params(const std::wstring& fields) { return L" -shellpopwin \"" + fields + L"\""; }
 std::wstring Number(HWND window) { return std::to_wstring(reinterpret_cast<std::uintptr_t>(window)); }
 // "left|bottom" of the window on the screen, and with "|right;top" after it.
 std::wstring Anchor(HWND window, bool full = false) {
@@ -36,7 +35,7 @@ class BarCommandTest : public BarTest {
     action();
     const auto records = launchertest::WaitForRecords(m_standin.ClientRecord(), before + 1);
     ASSERT_EQ(records.size(), before + 1);
-    EXPECT_EQ(records.back().commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", Params(fields)));
+    EXPECT_EQ(records.back().commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L" -shellpopwin \"" + fields + L"\""));
     EXPECT_EQ(records.back().directory + L"\\", corvane::ClientFolder());
     EXPECT_EQ(LogOf(function).size(), 1u);
     // One client at a time: a second one starting within 8 seconds would close the start-up gate.

@@ -52,13 +52,10 @@ TEST_F(BarTest, CreationLaysOutFromTheOwnersHeightAndTextUnit) {
   EXPECT_TRUE(::GetWindowLongPtrW(hosted.Bar(), GWL_EXSTYLE) & WS_EX_COMPOSITED);
   // Painted into a given DC: the separator along the bottom row in the theme's line colour and
   // nothing above it.
-  const auto painted = [](HWND window, int width, int height) {
-    return PaintedBy(width, height, [&](HDC dc) { ::SendMessageW(window, WM_PAINT, reinterpret_cast<WPARAM>(dc), 0); });
-  };
   for (const bool dark : {false, true}) {
     SetDarkTheme(dark);
     const Argb line = Opaque(dark ? RGB(0x3A, 0x3A, 0x3A) : RGB(0xD9, 0xD9, 0xD9));
-    const Picture bar = painted(hosted.Bar(), 1200, 40);
+    const Picture bar = PaintedBy(1200, 40, [&](HDC dc) { ::SendMessageW(hosted.Bar(), WM_PAINT, reinterpret_cast<WPARAM>(dc), 0); });
     EXPECT_EQ(std::make_pair(bar.at(600, 39), bar.at(600, 38) == line), std::make_pair(line, false)) << dark;
   }
 
@@ -236,7 +233,6 @@ TEST_F(BarTest, SkippedRendersLeaveTheSameBytesAsRenderingEverything) {
     EXPECT_EQ(rendered[step].size(), reused[step].size()) << "step " << step;
     for (const auto& [name, bytes] : rendered[step]) EXPECT_EQ(reused[step][name], bytes) << logtest::Utf8(name) << ", step " << step;
   }
-  EXPECT_NE(rendered[0].at(L"Expand.png"), rendered[1].at(L"Expand.png")) << "1.25 re-rendered the expand label";
 }
 
 }  // namespace

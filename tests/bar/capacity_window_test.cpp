@@ -18,9 +18,8 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
   const CDiskCapacityWnd& capacity = hosted.bar.GetCapacity();
   const auto ink = [](const wchar_t* name) { return InkColours(SkinFile(name)); };
   // The placeholders are replaced by what was read, nothing: zero, in the warning colour.
-  EXPECT_EQ(std::make_tuple(capacity.GetTotalSpace(), capacity.GetProgress().GetPos(), ink(L"Capacityu.png")),
-            std::make_tuple(0ULL, 0, Inks{kRed}));
-  EXPECT_EQ(capacity.GetProgress().GetColor() & 0xFFFFFFu, kRed);
+  EXPECT_EQ(std::make_tuple(capacity.GetTotalSpace(), capacity.GetProgress().GetPos(), capacity.GetProgress().GetColor() & 0xFFFFFFu,
+                            ink(L"Capacityu.png")), std::make_tuple(0ULL, 0, kRed, Inks{kRed}));
   const SIZE joined = PictureSize(SkinFile(L"Capacityut.png")), expand = PictureSize(SkinFile(L"Expand.png"));
   // Children of the 60-pixel display under H = 40: the joined caption at its picture's size, the
   // expand entry flush right, the progress bar from y 30 to 37 (7 high, 3 above the bottom).

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ostream>
 
 #include "platform/gdiplus_session.h"
 #include "platform/handles.h"
@@ -23,16 +22,12 @@ struct GdiplusEnvironment : ::testing::Environment {
 
 }  // namespace
 
-void PrintTo(const Argb& pixel, std::ostream* os) {
-  *os << "ARGB(" << int(pixel.a) << ", " << int(pixel.r) << ", " << int(pixel.g) << ", " << int(pixel.b) << ")";
-}
-
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks) {
   Gdiplus::Bitmap bitmap(width, height, PixelFormat32bppARGB);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       Argb pixel = fill;
-      for (const Block& block : blocks) pixel = ::PtInRect(&block.rect, POINT{x, y}) ? block.colour : pixel;
+      for (const auto& [rect, colour] : blocks) pixel = ::PtInRect(&rect, POINT{x, y}) ? colour : pixel;
       ASSERT_EQ(bitmap.SetPixel(x, y, Gdiplus::Color(pixel.a, pixel.r, pixel.g, pixel.b)), Gdiplus::Ok);
     }
   }
@@ -95,8 +90,7 @@ std::optional<Picture> CaptureClient(HWND window) {
   Picture picture = PaintedBy(client.right, client.bottom, [&](HDC dc) {
     copied = ::BitBlt(dc, 0, 0, client.right, client.bottom, source.get(), 0, 0, SRCCOPY) != FALSE;
   });
-  if (!copied) return std::nullopt;
-  return picture;
+  return copied ? std::optional(picture) : std::nullopt;
 }
 
 std::span<const CCommandRecorder::MessageEntry> CCommandRecorder::MessageMap() {

@@ -11,6 +11,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "../client_registry/saved_value.h"
@@ -31,15 +32,11 @@ struct Argb {
   BYTE a = 0, r = 0, g = 0, b = 0;
   bool operator==(const Argb&) const = default;
 };
-void PrintTo(const Argb& pixel, std::ostream* os);
 constexpr Argb kTransparent{0, 0, 0, 0};
 inline Argb Opaque(COLORREF colour) { return Argb{255, GetRValue(colour), GetGValue(colour), GetBValue(colour)}; }
 
 // A PNG of width x height in one colour, with blocks of other colours (later blocks win).
-struct Block {
-  RECT rect;
-  Argb colour;
-};
+using Block = std::pair<RECT, Argb>;
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks = {});
 
 struct Picture {
@@ -70,11 +67,7 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
   static std::span<const MessageEntry> MessageMap();
   ~CCommandRecorder() override { ::SetCursorPos(::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1); }
 
-  struct Command {
-    WPARAM wParam;
-    LPARAM lParam;
-    bool operator==(const Command&) const = default;
-  };
+  using Command = std::pair<WPARAM, LPARAM>;  // a WM_COMMAND's wParam and lParam
   // Creates the pop-up at (x, y) with the given client size, shown without activating it.
   bool CreateAt(int x, int y, int width, int height);
 
