@@ -1,7 +1,7 @@
-// The picture helpers on real files: caption padding, joining, stretching, sizes and what bad input
-// leaves behind. The bar's tests check the rest on its own pictures: which captions follow the
-// published zoom, that a shown picture's file can be rendered again and deleted, and the font
-// fallback (every bar caption asks for Microsoft YaHei, which the Wine prefix does not have).
+// The picture helpers on real files: caption padding and font fallback, joining, stretching, sizes
+// and what bad input leaves behind. The bar's tests check the rest on its own pictures: which
+// captions follow the published zoom, and that a shown picture's file can be rendered again and
+// deleted.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ class ImageHelpers : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(ImageHelpers, CaptionPaddingIsWholePixelsAndNeedsText) {
+TEST_F(ImageHelpers, CaptionPaddingIsWholePixelsFontFallbackAndTextIsNeeded) {
   const std::wstring plain = m_folder / L"plain.png", padded = m_folder / L"padded.png";
   ASSERT_TRUE(RenderTextToPng(kCaption, plain));
   TextImageStyle pad = kCaption;
@@ -41,6 +41,14 @@ TEST_F(ImageHelpers, CaptionPaddingIsWholePixelsAndNeedsText) {
   // and the left padding holds no ink.
   EXPECT_EQ(std::make_pair(picture->width, picture->height), std::make_pair(unpadded->width + 7, unpadded->height + 5));
   for (int i = 0; i < 6 * picture->height; ++i) EXPECT_EQ(picture->at(i % 6, i / 6).a, 0) << i % 6 << "," << i / 6;
+  // A family nobody has falls back to GDI+'s generic sans-serif. Windows always has it; where a bare
+  // Wine prefix has neither of its names, the render fails and writes no file.
+  pad.fontName = L"No Such Family Anywhere";
+  const bool generic = Gdiplus::FontFamily(L"Microsoft Sans Serif").GetLastStatus() == Gdiplus::Ok ||
+                       Gdiplus::FontFamily(L"Tahoma").GetLastStatus() == Gdiplus::Ok;
+  EXPECT_EQ(RenderTextToPng(pad, m_folder / L"fallback.png"), generic);
+  EXPECT_EQ(InkColours(m_folder / L"fallback.png"), generic ? std::set<std::uint32_t>{0} : std::set<std::uint32_t>{})
+      << "drawn in black, or no file";
   EXPECT_FALSE(RenderTextToPng(TextImageStyle{}, m_folder / L"empty.png")) << "no text, no picture";
   EXPECT_FALSE(FileExists(m_folder / L"empty.png"));
 }

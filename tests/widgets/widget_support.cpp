@@ -27,7 +27,7 @@ void WritePng(const std::wstring& path, int width, int height, Argb fill, const 
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       Argb pixel = fill;
-      for (const Block& block : blocks) pixel = ::PtInRect(&block.rect, POINT{x, y}) ? block.colour : pixel;
+      for (const auto& [rect, colour] : blocks) pixel = ::PtInRect(&rect, POINT{x, y}) ? colour : pixel;
       ASSERT_EQ(bitmap.SetPixel(x, y, Gdiplus::Color(pixel.a, pixel.r, pixel.g, pixel.b)), Gdiplus::Ok);
     }
   }

@@ -36,10 +36,7 @@ constexpr Argb kTransparent{0, 0, 0, 0};
 inline Argb Opaque(COLORREF colour) { return Argb{255, GetRValue(colour), GetGValue(colour), GetBValue(colour)}; }
 
 // A PNG of width x height in one colour, with blocks of other colours (later blocks win).
-struct Block {
-  RECT rect;
-  Argb colour;
-};
+using Block = std::pair<RECT, Argb>;
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks = {});
 
 struct Picture {
