@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstring>
 #include <filesystem>
 #include <regex>
 #include <system_error>
@@ -90,9 +91,7 @@ std::wstring ReadUtf16(const std::wstring& path, bool optional) {
   const std::vector<std::uint8_t> bytes = ReadBytes(path, optional);
   EXPECT_EQ(bytes.size() % 2, 0u) << testing::PrintToString(path);
   std::wstring text(bytes.size() / 2, L'\0');
-  for (size_t i = 0; i < text.size(); ++i) {
-    text[i] = static_cast<wchar_t>(bytes[2 * i] | (bytes[2 * i + 1] << 8));
-  }
+  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));  // wchar_t is UTF-16LE here
   return text;
 }
 
@@ -159,7 +158,6 @@ bool ParseLogLine(const std::wstring& text, LogLine& out) {
   out.message = text.substr(pos);
   out.stamp = std::stoll(timeParts.str(1) + timeParts.str(2) + timeParts.str(3) + timeParts.str(4) +
                          timeParts.str(5) + timeParts.str(6));
-  out.micros = std::stoi(timeParts.str(7));
   out.file = locationParts.str(1);
   out.line = locationParts.str(2);
   return true;

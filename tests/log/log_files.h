@@ -49,7 +49,6 @@ std::int64_t LocalStamp();
 struct LogLine {
   std::wstring tag;
   std::int64_t stamp = 0;  // yyyymmddhhmmss
-  int micros = -1;
   std::wstring file;
   std::wstring line;
   std::wstring thread;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,21 @@ TEST(DllHost, ExplorerAndTheRegistrationToolAreTheOnlyHosts) {
     EXPECT_EQ(LogOfHost(logFolder, before, hostPath),
               (std::vector<std::wstring>{L"DLL PROCESS ATTACH", L"ower app = " + hostPath, L"DLL PROCESS DETACH"}));
   }
+}
+
+TEST(DllHost, ADllPathPast260CharactersStillLogsBesideTheClient) {
+  // <client>\shell\Corvane.dll of 265 characters: the 260-character read cuts into the file name,
+  // and the folder before its last backslash is still the DLL's own.
+  const logtest::TempFolder scratch;
+  const std::wstring client = scratch.Path() + L"\\" + std::wstring(265 - scratch.Path().size() - 19, L'c');
+  std::error_code error;
+  for (const wchar_t* folder : {L"\\shell", L"\\log\\Corvane"}) std::filesystem::create_directories(client + folder, error);
+  ASSERT_TRUE(::CopyFileW((moduletest::ProgramFolder() + L"Corvane.dll").c_str(), (client + L"\\shell\\Corvane.dll").c_str(), TRUE));
+  const std::wstring host = moduletest::ProgramFolder() + L"hosts\\plain\\explorer.exe";
+  EXPECT_EQ(moduletest::RunHost(host, client + L"\\shell\\Corvane.dll").values[L"load"], L"ok");
+  const std::vector<std::wstring> logs = logtest::FilesIn(client + L"\\log\\Corvane");
+  ASSERT_EQ(logs.size(), 1u);
+  EXPECT_NE(logtest::ReadUtf16(client + L"\\log\\Corvane\\" + logs[0]).find(L"]ower app = " + host + L"\r\n"), std::wstring::npos);
 }
 
 }  // namespace

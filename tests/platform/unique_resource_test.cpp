@@ -1,6 +1,8 @@
 // The RAII owners: each closes exactly once, put() frees before reuse, and moves transfer.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "platform/handles.h"
 
 namespace {
@@ -29,17 +31,14 @@ TEST(UniqueResource, ClosesOnceThroughResetMovePutAndRelease) {
     EXPECT_EQ(g_closed, 0) << "a move closes nothing";
 
     *second.put() = &b;  // put frees the old value before handing out the slot
-    EXPECT_EQ(g_closed, 1);
-    EXPECT_EQ(g_lastClosed, 1);
+    EXPECT_EQ(std::make_pair(g_closed, g_lastClosed), std::make_pair(1, 1));
     EXPECT_EQ(second.get(), &b);
     EXPECT_EQ(Live(), 1);
 
     second = fake_handle(&c);
-    EXPECT_EQ(g_closed, 2);
-    EXPECT_EQ(g_lastClosed, 2);
+    EXPECT_EQ(std::make_pair(g_closed, g_lastClosed), std::make_pair(2, 2));
 
-    int* raw = second.release();
-    EXPECT_EQ(raw, &c);
+    EXPECT_EQ(second.release(), &c);
     EXPECT_EQ(Live(), 0);
     EXPECT_FALSE(second);
   }
