@@ -13,6 +13,7 @@
 #include "platform/window.h"
 #include "registry_fixture.h"
 #include "widget_support.h"
+#include "window_probe.h"
 
 namespace bartest {
 
@@ -94,11 +95,7 @@ std::vector<HWND> TakeQueued(UINT message);
 inline bool HasStyle(HWND window, DWORD style) {
   return window != nullptr && (static_cast<DWORD>(::GetWindowLongPtrW(window, GWL_STYLE)) & style) == style;
 }
-inline RECT RectIn(HWND window, HWND parent) {
-  RECT rect{};
-  ::GetWindowRect(window, &rect);
-  return ::MapWindowPoints(HWND_DESKTOP, parent, reinterpret_cast<POINT*>(&rect), 2), rect;
-}
+using testsupport::RectIn;
 inline std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
 class BarTest : public registrytest::RegistryTest {

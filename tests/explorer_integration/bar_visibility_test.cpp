@@ -83,7 +83,7 @@ TEST_F(ExplorerIntegration, ViewPositionChangeWithoutHeightLaysNothingOut) {
   ASSERT_TRUE(laidOut.shown);
   const HWND view = m_explorer->Handle(id, L"duiview");
   const HWND list = m_explorer->Handle(id, L"directui");
-  const RECT inParent = InClient(view, ::GetParent(view));
+  const RECT inParent = RectIn(view, ::GetParent(view));
   const int width = inParent.right - inParent.left;
   const int height = inParent.bottom - inParent.top;
 

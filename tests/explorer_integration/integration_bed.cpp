@@ -21,29 +21,7 @@ bool WriteString(const std::wstring& key, const wchar_t* name, const std::wstrin
                            static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
 }
 
-void Regsvr32(const std::wstring& dll, const std::wstring& switches) {
-  wchar_t system[MAX_PATH] = {};
-  ::GetSystemDirectoryW(system, MAX_PATH);
-  EXPECT_TRUE(moduletest::RunHost(std::wstring(system) + L"\\regsvr32.exe", dll, switches).finished);
-}
-
 }  // namespace
-
-RECT InClient(HWND window, HWND client) {
-  RECT rc{};
-  ::GetWindowRect(window, &rc);
-  ::MapWindowPoints(nullptr, client, reinterpret_cast<POINT*>(&rc), 2);
-  return rc;
-}
-
-bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
-  const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;
-  for (;;) {
-    if (condition()) return true;
-    if (::GetTickCount64() >= deadline) return false;
-    ::Sleep(20);
-  }
-}
 
 void ExplorerIntegration::SetUp() {
   testsupport::ClearClientState();
@@ -64,7 +42,7 @@ void ExplorerIntegration::SetUp() {
 
   // The helper object is registered as an installer registers it: Wine's regsvr32 on the built DLL
   // (machine-wide, since Explorer finds helper objects there only).
-  Regsvr32(m_dllFolder + L"Corvane.dll", L"/s");
+  EXPECT_TRUE(moduletest::Regsvr32(L"/s", m_dllFolder + L"Corvane.dll").finished);
 
   RestartExplorer();
 }
@@ -82,7 +60,7 @@ void ExplorerIntegration::TearDown() {
                                                  << testing::PrintToString(m_explorer->LogText());
     m_explorer.reset();
   }
-  Regsvr32(m_dllFolder + L"Corvane.dll", L"/s /u");
+  EXPECT_TRUE(moduletest::Regsvr32(L"/s /u", m_dllFolder + L"Corvane.dll").finished);
   testsupport::ClearClientState();
   m_clients.reset();
   m_scratch.reset();
@@ -113,8 +91,8 @@ BarState ExplorerIntegration::Bar(int id) {
   if (state.bar == nullptr) state.bar = ::FindWindowExW(frame, nullptr, L"CorvaneTitleWindow", nullptr);
   if (state.bar == nullptr) return state;
   state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
-  state.barInView = InClient(state.bar, view);
-  state.listInView = InClient(list, view);
+  state.barInView = RectIn(state.bar, view);
+  state.listInView = RectIn(list, view);
   ::GetClientRect(view, &state.view);
   return state;
 }

@@ -15,6 +15,7 @@
 #include "../client_launcher/standin_session.h"
 #include "../explorer_standin/scratch_folder.h"
 #include "../explorer_standin/standin_session.h"
+#include "window_probe.h"
 
 namespace integrationtest {
 
@@ -70,9 +71,7 @@ class ExplorerIntegration : public ::testing::Test {
   std::vector<std::wstring> m_logsBefore;
 };
 
-// The window's rectangle in the client coordinates of another.
-RECT InClient(HWND window, HWND client);
-// Polls condition every 20 ms until it holds or timeoutMs passes; its last answer.
-bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs);
+using testsupport::RectIn;
+using testsupport::WaitUntil;
 
 }  // namespace integrationtest

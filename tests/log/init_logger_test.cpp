@@ -5,16 +5,11 @@
 #include <string>
 
 #include "log/logger.h"
+#include "platform/module_path.h"
 #include "log_files.h"
 
 namespace {
 
-std::wstring ProgramFolder() {
-  wchar_t self[MAX_PATH] = {};
-  const DWORD length = ::GetModuleFileNameW(nullptr, self, MAX_PATH);
-  const std::wstring path(self, length);
-  return path.substr(0, path.rfind(L'\\') + 1);
-}
 
 // Deletes the process-wide logger and its file however the test ends.
 struct GlobalLoggerCleanup {
@@ -34,7 +29,7 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
   cleanup.file = g_pLogger->Path();
 
   // This program runs from <client>\shell, like the DLL.
-  const std::wstring shell = ProgramFolder();
+  const std::wstring shell = corvane::ThisModuleFolder();
   const std::wstring client = shell.substr(0, shell.rfind(L'\\', shell.size() - 2) + 1);
   EXPECT_EQ(g_pLogger->Folder(), client + L"log\\Corvane\\");
   const std::wstring path = g_pLogger->Path();
@@ -61,7 +56,7 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
 TEST(LoggerFolder, AnEmptyFolderMeansTheProgramsOwnFolder) {
   auto logger = std::make_unique<LOGGER::CLogger>(4, L"", L"EmptyFolder");
   const std::wstring path = logger->Path();
-  EXPECT_EQ(logger->Folder(), ProgramFolder());
+  EXPECT_EQ(logger->Folder(), corvane::ThisModuleFolder());
   EXPECT_TRUE(logtest::FileExists(path));
   logger.reset();
   ::DeleteFileW(path.c_str());

@@ -67,10 +67,10 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
   return run;
 }
 
-HostRun Regsvr32(const std::wstring& switches) {
+HostRun Regsvr32(const std::wstring& switches, const std::wstring& dll) {
   wchar_t system[MAX_PATH] = {};
   ::GetSystemDirectoryW(system, MAX_PATH);
-  return RunHost(std::wstring(system) + L"\\regsvr32.exe", ProgramFolder() + L"Corvane.dll", switches);
+  return RunHost(std::wstring(system) + L"\\regsvr32.exe", dll.empty() ? ProgramFolder() + L"Corvane.dll" : dll, switches);
 }
 
 std::wstring ProgramFolder() { return corvane::ThisModuleFolder(); }

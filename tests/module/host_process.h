@@ -19,8 +19,9 @@ struct HostRun {
 // (a few seconds at most).
 HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::wstring& calls = std::wstring());
 
-// Wine's own regsvr32.exe with the given switches on the Corvane.dll beside this program.
-HostRun Regsvr32(const std::wstring& switches);
+// Wine's own regsvr32.exe with the given switches on a DLL (by default the Corvane.dll beside this
+// program).
+HostRun Regsvr32(const std::wstring& switches, const std::wstring& dll = std::wstring());
 
 // The folder this test program runs from, ending in a backslash (the DLL lies here too).
 std::wstring ProgramFolder();

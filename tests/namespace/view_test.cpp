@@ -26,6 +26,7 @@
 #include "platform/com_object.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
+#include "window_probe.h"
 
 namespace {
 
@@ -38,12 +39,7 @@ HWND Button(HWND prompt, int index) {
   return ::FindWindowExW(prompt, nullptr, L"CorvaneCustomButton", names[index]);
 }
 
-RECT RectIn(HWND window, HWND parent) {
-  RECT rect{};
-  ::GetWindowRect(window, &rect);
-  ::MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&rect), 2);
-  return rect;
-}
+using testsupport::RectIn;
 
 // The client area of a window as 0x00RRGGBB pixels, row by row.
 std::vector<DWORD> Capture(HWND window, int width, int height) {

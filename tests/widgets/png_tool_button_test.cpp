@@ -178,11 +178,14 @@ TEST_F(PngToolButton, DestroyButtonTakesWindowAndPictures) {
   for (int slot = 0; slot < 4; ++slot) EXPECT_FALSE(m_button->HasImage(slot));
   m_button->DestroyButton();  // twice is harmless
 
-  // Every picture is given back to GDI: ten more shown and destroyed buttons leave the table as it
-  // was (one picture kept per button would cost ten).
+  // Every picture is given back to GDI: thirty more shown and destroyed buttons leave the table as
+  // it was (one picture kept per button would cost thirty). The measure moves by a few objects of
+  // Wine's own from run to run, hence a warm-up round first and a margin well below thirty.
+  CreateButton();
+  m_button->DestroyButton();
   const int before = GdiHeadroom();
-  for (int i = 0; i < 10; ++i) CreateButton();
+  for (int i = 0; i < 30; ++i) CreateButton();
   m_button->DestroyButton();
   EXPECT_GT(before, 1000) << "the measure itself works";
-  EXPECT_GE(GdiHeadroom(), before - 2) << "before " << before;
+  EXPECT_GE(GdiHeadroom(), before - 10) << "before " << before;
 }

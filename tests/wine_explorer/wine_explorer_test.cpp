@@ -12,6 +12,7 @@
 #include "client_state.h"
 #include "host_process.h"
 #include "platform/handles.h"
+#include "window_probe.h"
 
 namespace {
 
@@ -64,13 +65,7 @@ class WineExplorer {
   corvane::unique_handle m_process;
 };
 
-// Polls until the condition holds; false if it still does not after timeoutMs.
-bool WaitUntil(const std::function<bool()>& condition, DWORD timeoutMs) {
-  for (const ULONGLONG end = ::GetTickCount64() + timeoutMs; !condition(); ::Sleep(50)) {
-    if (::GetTickCount64() >= end) return false;
-  }
-  return true;
-}
+using testsupport::WaitUntil;
 
 // The first descendant of the given class (any depth), or null.
 HWND FindDescendant(HWND root, const wchar_t* className) {
