@@ -32,7 +32,7 @@
 #include "platform/gdiplus_session.h"
 #include "platform/module_path.h"
 #include "platform/work_profile.h"
-#include "widgets/render_ledger.h"
+#include "widgets/picture_store.h"
 #include "widgets/image_helpers.h"
 
 namespace {
@@ -331,7 +331,7 @@ void BenchProfile(const PublishedState& state) {
   caption.fontName = L"Microsoft YaHei";
   caption.fontSize = 12.0f;
   const std::wstring captionFile = state.Scratch(L"unit.png");
-  imageutil::SetReuse(false);
+  imageutil::store::SetReuse(false);
   std::vector<double> units;
   for (int i = 0; i < 9; ++i) {
     const double t0 = bench::NowMicroseconds();
@@ -342,8 +342,8 @@ void BenchProfile(const PublishedState& state) {
   std::printf("bar profile (one caption rendered to a file: %.2f ms, median of 9)\n", unit);
 
   for (const bool reuse : {false, true, false, true}) {
-    imageutil::SetReuse(false);  // forgets what was recorded: the first bar meets an empty ledger
-    imageutil::SetReuse(reuse);
+    imageutil::store::SetReuse(false);  // forgets what was recorded: the first bar meets an empty ledger
+    imageutil::store::SetReuse(reuse);
     std::printf(" picture ledger %s:\n", reuse ? "on" : "off");
     CHostWindow first, second;
     WorkReading w0 = WorkReading::Now();
@@ -388,7 +388,7 @@ void BenchProfile(const PublishedState& state) {
     CloseHost(second, state);
     CloseHost(first, state);
   }
-  imageutil::SetReuse(true);
+  imageutil::store::SetReuse(true);
 }
 
 struct Footprint {

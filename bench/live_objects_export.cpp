@@ -7,7 +7,7 @@
 #include "live_objects.h"
 #include "platform/module_lock.h"
 #include "platform/work_profile.h"
-#include "widgets/render_ledger.h"
+#include "widgets/picture_store.h"
 
 extern "C" LONG WINAPI CorvaneLiveObjects() { return bench::LiveObjects{}.Total(); }
 extern "C" LONG WINAPI CorvaneModuleLocks() { return corvane::ModuleLock::Value(); }
@@ -27,4 +27,4 @@ extern "C" BOOL WINAPI CorvaneWorkTally(int kind, LONGLONG* count, LONGLONG* mic
 
 // Switches the picture ledger and the decoded-picture cache, so a benchmark can measure the add-in
 // with and without them in one run.
-extern "C" void WINAPI CorvaneSetPictureReuse(BOOL reuse) { imageutil::SetReuse(reuse != FALSE); }
+extern "C" void WINAPI CorvaneSetPictureReuse(BOOL reuse) { imageutil::store::SetReuse(reuse != FALSE); }

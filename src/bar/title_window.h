@@ -18,6 +18,7 @@
 #include "bar/right_window.h"
 #include "platform/window.h"
 #include "widgets/image_helpers.h"
+#include "widgets/picture_store.h"
 #include "widgets/png_tool_button.h"
 
 class CTitleWindow final : public corvane::Window<CTitleWindow> {
@@ -85,6 +86,8 @@ class CTitleWindow final : public corvane::Window<CTitleWindow> {
   void RenderAdvertising();
   void ApplyLogoPath(const std::wstring& path);
 
+  // The process's pictures are kept while any bar lives, and given back when the last one goes.
+  imageutil::store::Use m_pictureUse;
   CRightWindow m_rightWindow;
   bool m_bCreated = false;
   std::atomic<bool> m_bLive{false};

@@ -75,6 +75,8 @@ class CExplorerWindow : public IBarOwner {
   };
 
   ProcessGdiplus m_gdiplus;
+  // Pictures rendered for this window's bar are cached until the process's last window is gone.
+  imageutil::store::Use m_pictureUse;
   TimerThread m_timer;
   // Written by the timer thread and read on the window thread; atomic so the unlocked hand-over
   // is still well defined.

@@ -18,6 +18,7 @@
 #include "platform/handles.h"
 #include "platform/type_lib_dispatch.h"
 #include "platform/window.h"
+#include "widgets/picture_store.h"
 
 class CMyShellView : public corvane::ComObject<CMyShellView, IShellView, corvane::ComAlias<IOleWindow, IShellView>,
                                                IDropTarget, corvane::DualInterface<IMyShellView>,
@@ -76,6 +77,8 @@ class CMyShellView : public corvane::ComObject<CMyShellView, IShellView, corvane
   // The prompt draws with GDI+. Explorer's window controller has it running, a plain host may not:
   // the view holds its own start for as long as it lives (GDI+ counts nested starts).
   corvane::GdiplusSession m_gdiplus;
+  // The prompt's pictures stay cached while a view lives; the last view or bar gives them back.
+  imageutil::store::Use m_pictureUse;
   HWND m_hWndParent = nullptr;
   Microsoft::WRL::ComPtr<IShellBrowser> m_spShellBrowser;
   Microsoft::WRL::ComPtr<IWebBrowser2> m_spWebBrowser2;

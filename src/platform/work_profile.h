@@ -16,7 +16,8 @@ enum class Work : int {
   PictureReused,    // a render, join or stretch found its file already holding its output
   SizeQuery,        // a picture's size asked of its file
   Decode,           // a picture file read and decoded
-  FileWrite,        // a PNG encoded and written
+  Encode,           // a picture encoded as PNG in memory
+  FileWrite,        // a picture file written (left alone when it already held the same bytes)
   EncoderLookup,    // the PNG encoder searched for
   FontCreate,       // a GDI+ font made
   FamilyCreate,     // a GDI+ font family made

@@ -1,18 +1,15 @@
 #include "widgets/image_helpers.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstring>
 #include <cwchar>
-#include <mutex>
 #include <vector>
 
 #include "client/registry.h"
 #include "platform/work_profile.h"
-#include "widgets/decoded_pictures.h"
 #include "widgets/font_maker.h"
-#include "widgets/render_ledger.h"
+#include "widgets/picture_store.h"
 
 namespace imageutil {
 
@@ -21,22 +18,6 @@ namespace {
 using Gdiplus::Ok;
 
 constexpr Gdiplus::REAL kDpi = 96.0f;
-
-// The PNG encoder's class: GDI+'s built-in codecs keep their CLSIDs across a shutdown and restart,
-// so it is looked up until found once and then kept for the process.
-const CLSID* PngEncoder() {
-  static CLSID found{};
-  static std::atomic<bool> known{false};
-  if (known.load()) return &found;
-  CLSID clsid{};
-  if (GetEncoderClsid(L"image/png", &clsid) < 0) return nullptr;
-  static std::once_flag once;
-  std::call_once(once, [&] {
-    found = clsid;
-    known.store(true);
-  });
-  return &found;
-}
 
 // A blank 32-bit picture at 96 DPI with a graphics on it, cleared to transparent.
 struct Canvas {
@@ -53,14 +34,9 @@ struct Canvas {
   }
 
   // The graphics goes first: GDI+ wants it released before its bitmap is saved or freed.
-  bool SavePng(const std::wstring& path) {
-    const corvane::profile::Timed timed(corvane::profile::Work::FileWrite);
+  bool SavePng(const std::wstring& path, const std::wstring& inputs, const Sources& sources) {
     graphics.reset();
-    const CLSID* png = PngEncoder();
-    if (png == nullptr || bitmap->Save(path.c_str(), png, nullptr) != Ok) return false;
-    // What was drawn is what the file now holds: a later load need not decode it back.
-    EnterWrittenPicture(path, *bitmap);
-    return true;
+    return store::WritePng(path, inputs, sources, *bitmap);
   }
 };
 
@@ -73,52 +49,8 @@ std::wstring Bits(T value) {
   return std::to_wstring(bits);
 }
 
-// The work itself; the public helpers first ask the ledger whether it is needed.
-bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std::wstring& outPath);
-std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath, const std::wstring& outPath,
-                     int overlap, int rightYOffset);
-bool Stretch(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height);
-
-}  // namespace
-
-int GetEncoderClsid(const wchar_t* mimeType, CLSID* clsid) {
-  const corvane::profile::Timed timed(corvane::profile::Work::EncoderLookup);
-  if (mimeType == nullptr || clsid == nullptr) return -1;
-  UINT count = 0, bytes = 0;
-  if (Gdiplus::GetImageEncodersSize(&count, &bytes) != Ok || bytes == 0) return -1;
-  // The descriptions are followed by the strings they point at, all in one block of that size.
-  std::vector<BYTE> block(bytes);
-  auto* encoders = reinterpret_cast<Gdiplus::ImageCodecInfo*>(block.data());
-  if (Gdiplus::GetImageEncoders(count, bytes, encoders) != Ok) return -1;
-  for (UINT i = 0; i < count; ++i) {
-    if (encoders[i].MimeType != nullptr && std::wcscmp(encoders[i].MimeType, mimeType) == 0) {
-      *clsid = encoders[i].Clsid;
-      return static_cast<int>(i);
-    }
-  }
-  return -1;
-}
-
-bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
-  if (style.text.empty()) return false;
-
-  double zoom = 96.0 / 96.0;
-  regUtil::getDpiZoom(style.zoomWindow, zoom);  // nothing published: the zoom stays 1.0
-  const double emSize = static_cast<double>(style.fontSize) * zoom;
-
-  const std::wstring inputs = L"text|" + style.text + L"|" + style.fontName + L"|" + std::to_wstring(style.color) + L"|" +
-                              Bits(style.fontSize) + L"|" + std::to_wstring(style.fontStyle) + L"|" + Bits(style.padX) +
-                              L"|" + Bits(style.padY) + L"|" + Bits(emSize);
-  const auto writing = LockPictureWrites();
-  if (IsCurrent(outPath, inputs)) return true;
-  const bool written = RenderCaption(style, static_cast<Gdiplus::REAL>(emSize), outPath);
-  Record(outPath, inputs, written);
-  return written;
-}
-
-namespace {
-
-bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std::wstring& outPath) {
+bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std::wstring& outPath,
+                   const std::wstring& inputs) {
   const corvane::profile::Timed timed(corvane::profile::Work::CaptionRender);
   Gdiplus::Bitmap probe(1, 1, PixelFormat32bppARGB);
   if (probe.GetLastStatus() != Ok) return false;
@@ -140,55 +72,16 @@ bool RenderCaption(const TextImageStyle& style, Gdiplus::REAL emSize, const std:
       Ok) {
     return false;
   }
-  return canvas.SavePng(outPath);
+  return canvas.SavePng(outPath, inputs, {});
 }
 
-}  // namespace
-
-std::wstring CombinePngHorizontally(const std::wstring& leftPath, const std::wstring& rightPath,
-                                    const std::wstring& outPath, int overlap, int rightYOffset) {
-  const std::wstring inputs = L"join|" + leftPath + L"|" + StampText(StampOf(leftPath)) + L"|" + rightPath + L"|" +
-                              StampText(StampOf(rightPath)) + L"|" + std::to_wstring(overlap) + L"|" +
-                              std::to_wstring(rightYOffset);
-  const auto writing = LockPictureWrites();
-  if (IsCurrent(outPath, inputs)) return outPath;
-  std::wstring result = Combine(leftPath, rightPath, outPath, overlap, rightYOffset);
-  Record(outPath, inputs, !result.empty());
-  return result;
-}
-
-bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
-  const std::wstring inputs = L"stretch|" + srcPath + L"|" + StampText(StampOf(srcPath)) + L"|" +
-                              std::to_wstring(width) + L"|" + std::to_wstring(height);
-  const auto writing = LockPictureWrites();
-  if (IsCurrent(dstPath, inputs)) return true;
-  const bool written = Stretch(srcPath, dstPath, width, height);
-  Record(dstPath, inputs, written);
-  return written;
-}
-
-bool GetImageSize(const std::wstring& path, UINT& width, UINT& height) {
-  const corvane::profile::Timed timed(corvane::profile::Work::SizeQuery);
-  const std::shared_ptr<const DecodedPicture> picture = DecodedPictureOf(path);
-  if (!picture) return false;
-  width = picture->width;
-  height = picture->height;
-  return true;
-}
-
-namespace {
-
-std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath, const std::wstring& outPath,
-                     int overlap, int rightYOffset) {
+std::wstring Combine(const DecodedPicture& leftPicture, const DecodedPicture& rightPicture, const std::wstring& outPath,
+                     int overlap, int rightYOffset, const std::wstring& inputs, const Sources& sources) {
   const corvane::profile::Timed timed(corvane::profile::Work::Join);
-  const std::shared_ptr<const DecodedPicture> leftPicture = DecodedPictureOf(leftPath);
-  if (!leftPicture) return {};
-  const std::shared_ptr<const DecodedPicture> rightPicture = DecodedPictureOf(rightPath);
-  if (!rightPicture) return {};
-  const std::unique_ptr<Gdiplus::Bitmap> left = leftPicture->View(), right = rightPicture->View();
+  const std::unique_ptr<Gdiplus::Bitmap> left = leftPicture.View(), right = rightPicture.View();
   if (!left || !right) return {};
-  const INT leftWidth = static_cast<INT>(leftPicture->width), leftHeight = static_cast<INT>(leftPicture->height);
-  const INT rightWidth = static_cast<INT>(rightPicture->width), rightHeight = static_cast<INT>(rightPicture->height);
+  const INT leftWidth = static_cast<INT>(leftPicture.width), leftHeight = static_cast<INT>(leftPicture.height);
+  const INT rightWidth = static_cast<INT>(rightPicture.width), rightHeight = static_cast<INT>(rightPicture.height);
   if (overlap > leftWidth) overlap = 0;
 
   const INT width = leftWidth + rightWidth - overlap;
@@ -201,31 +94,95 @@ std::wstring Combine(const std::wstring& leftPath, const std::wstring& rightPath
                                  rightWidth, rightHeight) != Ok) {
     return {};
   }
-  if (!canvas.SavePng(outPath)) return {};
+  if (!canvas.SavePng(outPath, inputs, sources)) return {};
   return outPath;
 }
 
-bool Stretch(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
+bool Stretch(const DecodedPicture& picture, const std::wstring& dstPath, int width, int height,
+             const std::wstring& inputs, const Sources& sources) {
   const corvane::profile::Timed timed(corvane::profile::Work::Stretch);
+  const std::unique_ptr<Gdiplus::Bitmap> source = picture.View();
+  if (!source) return false;
+  Canvas canvas;
+  if (!canvas.Create(width, height)) return false;
+  const Gdiplus::Rect target(0, 0, width, height);
+  if (canvas.graphics->DrawImage(source.get(), target, 0, 0, static_cast<INT>(picture.width),
+                                 static_cast<INT>(picture.height), Gdiplus::UnitPixel) != Ok) {
+    return false;
+  }
+  return canvas.SavePng(dstPath, inputs, sources);
+}
+
+}  // namespace
+
+int GetEncoderClsid(const wchar_t* mimeType, CLSID* clsid) {
+  const corvane::profile::Timed timed(corvane::profile::Work::EncoderLookup);
+  if (mimeType == nullptr || clsid == nullptr) return -1;
+  UINT count = 0, bytes = 0;
+  if (Gdiplus::GetImageEncodersSize(&count, &bytes) != Ok || bytes == 0) return -1;
+  // The descriptions are followed by the strings they point at, all in one block of that size.
+  std::vector<BYTE> block(bytes);
+  auto* encoders = reinterpret_cast<Gdiplus::ImageCodecInfo*>(block.data());
+  if (Gdiplus::GetImageEncoders(count, bytes, encoders) != Ok) return -1;
+  for (UINT i = 0; i < count; ++i) {
+    if (encoders[i].MimeType != nullptr && std::wcscmp(encoders[i].MimeType, mimeType) == 0) {
+      *clsid = encoders[i].Clsid;
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+// Each helper reads its sources once, asks the picture store whether the output already holds
+// what these inputs produce, and otherwise draws and hands the picture to the store to write.
+
+bool RenderTextToPng(const TextImageStyle& style, const std::wstring& outPath) {
+  if (style.text.empty()) return false;
+
+  double zoom = 96.0 / 96.0;
+  regUtil::getDpiZoom(style.zoomWindow, zoom);  // nothing published: the zoom stays 1.0
+  const double emSize = static_cast<double>(style.fontSize) * zoom;
+
+  const std::wstring inputs = L"text|" + style.text + L"|" + style.fontName + L"|" + std::to_wstring(style.color) + L"|" +
+                              Bits(style.fontSize) + L"|" + std::to_wstring(style.fontStyle) + L"|" + Bits(style.padX) +
+                              L"|" + Bits(style.padY) + L"|" + Bits(emSize);
+  if (store::Holds(outPath, inputs)) return true;
+  return RenderCaption(style, static_cast<Gdiplus::REAL>(emSize), outPath, inputs);
+}
+
+std::wstring CombinePngHorizontally(const std::wstring& leftPath, const std::wstring& rightPath,
+                                    const std::wstring& outPath, int overlap, int rightYOffset) {
+  const std::optional<SourcePicture> left = store::ReadPicture(leftPath);
+  if (!left) return {};
+  const std::optional<SourcePicture> right = store::ReadPicture(rightPath);
+  if (!right) return {};
+  const std::wstring inputs = L"join|" + std::to_wstring(overlap) + L"|" + std::to_wstring(rightYOffset);
+  const Sources sources{left->bytes, right->bytes};
+  if (store::Holds(outPath, inputs, sources)) return outPath;
+  return Combine(*left->picture, *right->picture, outPath, overlap, rightYOffset, inputs, sources);
+}
+
+bool StretchPngToFile(const std::wstring& srcPath, const std::wstring& dstPath, int width, int height) {
   if (::GetFileAttributesW(srcPath.c_str()) == INVALID_FILE_ATTRIBUTES) {
     const DWORD error = ::GetLastError();
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) return false;
     // Any other error (access, sharing) goes on: the load decides.
   }
-  const std::shared_ptr<const DecodedPicture> picture = DecodedPictureOf(srcPath);
-  if (!picture) return false;
-  const std::unique_ptr<Gdiplus::Bitmap> source = picture->View();
+  const std::optional<SourcePicture> source = store::ReadPicture(srcPath);
   if (!source) return false;
-  Canvas canvas;
-  if (!canvas.Create(width, height)) return false;
-  const Gdiplus::Rect target(0, 0, width, height);
-  if (canvas.graphics->DrawImage(source.get(), target, 0, 0, static_cast<INT>(picture->width),
-                                 static_cast<INT>(picture->height), Gdiplus::UnitPixel) != Ok) {
-    return false;
-  }
-  return canvas.SavePng(dstPath);
+  const std::wstring inputs = L"stretch|" + std::to_wstring(width) + L"|" + std::to_wstring(height);
+  const Sources sources{source->bytes};
+  if (store::Holds(dstPath, inputs, sources)) return true;
+  return Stretch(*source->picture, dstPath, width, height, inputs, sources);
 }
 
-}  // namespace
+bool GetImageSize(const std::wstring& path, UINT& width, UINT& height) {
+  const corvane::profile::Timed timed(corvane::profile::Work::SizeQuery);
+  const std::optional<SourcePicture> source = store::ReadPicture(path);
+  if (!source) return false;
+  width = source->picture->width;
+  height = source->picture->height;
+  return true;
+}
 
 }  // namespace imageutil

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "widgets/decoded_pictures.h"
+#include "widgets/picture_store.h"
 
 namespace imageutil {
 
@@ -28,18 +28,23 @@ corvane::unique_hbitmap CreateTopDownDib(int width, int height, void*& bits) {
 
 }  // namespace
 
-corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path) {
+corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path, bool* worthRetrying) {
+  if (worthRetrying != nullptr) *worthRetrying = false;
   try {
-    const std::shared_ptr<const DecodedPicture> decoded = DecodedPictureOf(path);
-    if (!decoded) return {};
+    const std::optional<SourcePicture> source = store::ReadPicture(path);
+    if (!source) return {};
+    // From here on the file is a good picture: what fails is memory or GDI, which may be back by
+    // the next paint.
+    if (worthRetrying != nullptr) *worthRetrying = true;
     // AlphaBlend with AC_SRC_ALPHA expects premultiplied colours.
-    const std::vector<std::uint32_t>* premultiplied = decoded->Premultiplied();
-    if (premultiplied == nullptr) return {};
+    const std::shared_ptr<const Pixels> premultiplied = store::PremultipliedOf(*source);
+    if (!premultiplied) return {};
     void* bits = nullptr;
     corvane::unique_hbitmap picture =
-        CreateTopDownDib(static_cast<int>(decoded->width), static_cast<int>(decoded->height), bits);
+        CreateTopDownDib(static_cast<int>(source->picture->width), static_cast<int>(source->picture->height), bits);
     if (!picture) return {};
     std::memcpy(bits, premultiplied->data(), premultiplied->size() * sizeof(std::uint32_t));
+    if (worthRetrying != nullptr) *worthRetrying = false;
     return picture;
   } catch (...) {
     return {};

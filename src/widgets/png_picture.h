@@ -1,6 +1,6 @@
 #pragma once
 // Pictures for painting: a PNG loaded into a premultiplied 32-bit DIB section of the caller's own
-// (the decoded pixels are shared process-wide while the file is unchanged), drawn with its per-pixel
+// (the decoded pixels are shared process-wide by the file's content), drawn with its per-pixel
 // transparency by AlphaBlend. The file is not kept open, so it can be re-rendered while a button
 // shows the old picture.
 #include <windows.h>
@@ -11,8 +11,9 @@
 
 namespace imageutil {
 
-// Top-down 32-bit DIB section with premultiplied alpha; null when the file cannot be loaded.
-corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path);
+// Top-down 32-bit DIB section with premultiplied alpha; null when the file cannot be loaded. When it
+// is null although the file held a good picture (memory or GDI ran short), *worthRetrying is set.
+corvane::unique_hbitmap LoadPngBitmap(const std::wstring& path, bool* worthRetrying = nullptr);
 
 // A second, independent copy of a picture from LoadPngBitmap (cheaper than decoding the file again).
 corvane::unique_hbitmap CopyPngBitmap(HBITMAP picture);

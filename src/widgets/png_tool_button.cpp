@@ -50,8 +50,9 @@ bool CPngToolButton::SetImages(const std::wstring& normal, const std::wstring& h
   for (size_t slot = 0; slot < m_hImages.size(); ++slot) {
     size_t same = 0;
     while (same < slot && m_strImagePaths[same] != m_strImagePaths[slot]) ++same;
-    m_hImages[slot] = same < slot ? imageutil::CopyPngBitmap(m_hImages[same].get())
-                                  : imageutil::LoadPngBitmap(m_strImagePaths[slot]);
+    m_bRetryImage[slot] = false;
+    m_hImages[slot] = same < slot && m_hImages[same] ? imageutil::CopyPngBitmap(m_hImages[same].get())
+                                                     : imageutil::LoadPngBitmap(m_strImagePaths[slot], &m_bRetryImage[slot]);
   }
   const SIZE size = imageutil::GetBitmapSize(m_hImages[kSlotNormal].get());
   m_nImageWidth = size.cx;
@@ -115,7 +116,16 @@ void CPngToolButton::Paint(HDC dc) {
   ::SetDCBrushColor(memory.get(), theme::BarBackground(IsDarkTheme()));
   ::FillRect(memory.get(), &client, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
 
-  if (const HBITMAP picture = m_hImages[static_cast<size_t>(CurrentSlot())].get()) {
+  const auto slot = static_cast<size_t>(CurrentSlot());
+  if (m_bRetryImage[slot]) {
+    m_hImages[slot] = imageutil::LoadPngBitmap(m_strImagePaths[slot], &m_bRetryImage[slot]);
+    if (slot == static_cast<size_t>(kSlotNormal)) {
+      const SIZE size = imageutil::GetBitmapSize(m_hImages[slot].get());
+      m_nImageWidth = size.cx;
+      m_nImageHeight = size.cy;
+    }
+  }
+  if (const HBITMAP picture = m_hImages[slot].get()) {
     // Across the whole client rectangle: an account picture of any size fills the logo's square
     // (the bar sizes every other button to its picture, so those are drawn one to one).
     imageutil::StretchPngBitmap(memory.get(), picture, client);

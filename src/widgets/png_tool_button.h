@@ -63,6 +63,9 @@ class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
 
   std::array<std::wstring, 4> m_strImagePaths;
   std::array<corvane::unique_hbitmap, 4> m_hImages;
+  // A slot whose file held a good picture but could not be made into a bitmap (memory or GDI ran
+  // short) is loaded again when it is next painted, instead of staying blank for good.
+  std::array<bool, 4> m_bRetryImage{};
   int m_nImageWidth = 0;
   int m_nImageHeight = 0;
   bool m_bPressed = false;

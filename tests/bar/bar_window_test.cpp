@@ -8,7 +8,7 @@
 
 #include "core/bar_layout.h"
 #include "platform/work_profile.h"
-#include "widgets/render_ledger.h"
+#include "widgets/picture_store.h"
 
 namespace bartest {
 namespace {
@@ -195,8 +195,8 @@ TEST_F(BarTest, TicksRenderOnlyWhatTheClientChanged) {
 TEST_F(BarTest, SkippedRendersLeaveTheSameBytesAsRenderingEverything) {
   using Files = std::map<std::wstring, std::vector<std::uint8_t>>;
   const auto run = [&](bool reuse) {
-    imageutil::SetReuse(false);  // forgets what was recorded
-    imageutil::SetReuse(reuse);
+    imageutil::store::SetReuse(false);  // forgets what was recorded
+    imageutil::store::SetReuse(reuse);
     SetDarkTheme(false);
     PublishSpace(4 * kGiB, kGiB);
     PublishAdvertising(L"a1", L"title-1");
@@ -226,7 +226,7 @@ TEST_F(BarTest, SkippedRendersLeaveTheSameBytesAsRenderingEverything) {
   const std::vector<Files> rendered = run(false);
   const auto r1 = reuses();
   std::vector<Files> reused = run(true);
-  imageutil::SetReuse(true);
+  imageutil::store::SetReuse(true);
   EXPECT_EQ(r1, r0) << "nothing is reused with the ledger off";
   EXPECT_GT(reuses(), r1) << "the ledger skipped something, or the comparison proves nothing";
   for (size_t step = 0; step < 3; ++step) {
