@@ -3,10 +3,13 @@
 #include "bar_fixture.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 #include <map>
 #include <tuple>
 
 #include "core/bar_layout.h"
+#include "platform/handles.h"
 #include "platform/work_profile.h"
 #include "widgets/picture_store.h"
 
@@ -233,6 +236,58 @@ TEST_F(BarTest, SkippedRendersLeaveTheSameBytesAsRenderingEverything) {
     EXPECT_EQ(rendered[step].size(), reused[step].size()) << "step " << step;
     for (const auto& [name, bytes] : rendered[step]) EXPECT_EQ(reused[step][name], bytes) << logtest::Utf8(name) << ", step " << step;
   }
+}
+
+// A window whose picture write is stuck (a scanner, a network disk) holds no other window: while
+// another thread's bar waits inside a write, a bar on this thread is built in about its normal time.
+TEST_F(BarTest, AStuckWriteInOneWindowHoldsNoOther) {
+  PublishSpace(4 * kGiB, kGiB);
+  const auto build = [] {
+    const auto start = std::chrono::steady_clock::now();
+    HostedBar hosted(1200);
+    EXPECT_TRUE(hosted.Start());
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+  };
+  build();  // everything rendered once
+  const double normal = build();
+
+  static DWORD s_heldThread = 0;
+  static HANDLE s_entered = nullptr, s_release = nullptr;
+  static std::atomic<bool> s_left{false};
+  const corvane::unique_handle entered(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+      release(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+  ASSERT_TRUE(entered && release);
+  s_entered = entered.get();
+  s_release = release.get();
+  // Held for at most ten seconds, so that a bar that waits for the held one fails instead of hanging.
+  imageutil::store::SetWriteHookForTest([](const std::wstring&) {
+    if (::GetCurrentThreadId() != s_heldThread) return;
+    ::SetEvent(s_entered);
+    ::WaitForSingleObject(s_release, 10000);
+    s_left = true;
+  });
+  // Missing, the used figure must be written again by both bars.
+  ::DeleteFileW(SkinFile(L"Capacityu.png").c_str());
+  std::thread held([] {
+    s_heldThread = ::GetCurrentThreadId();
+    const HRESULT com = ::CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    {
+      HostedBar hosted(1000);
+      hosted.Start();
+    }
+    if (SUCCEEDED(com)) ::CoUninitialize();
+  });
+  const bool wasHeld = ::WaitForSingleObject(entered.get(), 10000) == WAIT_OBJECT_0;
+  const double whileHeld = build();
+  const bool stillHeld = !s_left;
+  ::SetEvent(release.get());
+  held.join();
+  imageutil::store::SetWriteHookForTest(nullptr);
+  ASSERT_TRUE(wasHeld) << "the other bar never wrote";
+  EXPECT_TRUE(stillHeld) << "this bar was built only after the held write went on";
+  // Generous against a loaded machine; a bar that waits for the held write takes ten seconds.
+  EXPECT_LT(whileHeld, 3 * normal + 500) << "normally " << normal << " ms";
+  EXPECT_TRUE(FileExists(SkinFile(L"Capacityu.png")));
 }
 
 }  // namespace

@@ -82,6 +82,25 @@ TEST_F(ImageHelpers, CombinePlacesBothPicturesPixelExactly) {
       if (!(picture->at(p.x, p.y) == expected) && mismatches++ < 5) ADD_FAILURE() << "pixel " << p.x << "," << p.y;
     }
   }
+
+  // A source is its bytes, not its size and time: caption A joined, then caption B of the same
+  // byte size rendered over it and given A's last-write time back (two renders within one clock
+  // tick look like that): the join shows B.
+  const std::wstring caption = m_folder / L"caption.png", icon = m_folder / L"icon.png", out = m_folder / L"joined.png";
+  WritePng(icon, 6, 6, kBlue);
+  TextImageStyle a = kCaption, b = kCaption;
+  a.color = 0xFFDC141E;
+  b.color = 0xFF0A28E6;
+  ASSERT_TRUE(RenderTextToPng(a, caption));
+  const FILETIME renderedA = LastWriteTime(caption);
+  const size_t sizeA = ReadBytes(caption).size();
+  ASSERT_EQ(CombinePngHorizontally(caption, icon, out, 0, 0), out);
+  EXPECT_EQ(InkColours(out, 0, 20), std::set<std::uint32_t>{0xDC141E});
+  ASSERT_TRUE(RenderTextToPng(b, caption));
+  ASSERT_EQ(ReadBytes(caption).size(), sizeA) << "the two captions must be the same byte size for this check";
+  ASSERT_TRUE(SetLastWriteTime(caption, renderedA));
+  ASSERT_EQ(CombinePngHorizontally(caption, icon, out, 0, 0), out);
+  EXPECT_EQ(InkColours(out, 0, 20), std::set<std::uint32_t>{0x0A28E6}) << "the join still shows caption A";
 }
 
 // A missing, corrupt, truncated or empty input: every helper fails, writes no output, leaves an

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "widget_support.h"
+#include "widgets/picture_store.h"
 #include "widgets/png_tool_button.h"
 
 using namespace widgettest;
@@ -148,6 +149,29 @@ TEST_F(PngToolButton, PaintsPicturesOverTheThemeBackgroundWithTransparency) {
   ASSERT_TRUE(m_button->SetImages(m_paths[2], m_paths[2], m_paths[2], m_paths[2]));
   MoveMouseTo(Button(), 10, 5);
   EXPECT_EQ(std::make_pair(m_button->CurrentSlot(), Shown()), std::make_pair(1, kSlotColours[2]));
+
+  // The client replaces the picture with another of the same byte size, copied so that it keeps
+  // the old file's time: the next SetImages shows the new one.
+  const std::wstring copy = m_folder / L"copy.png";
+  WritePng(copy, 30, 20, kSlotColours[0], {{RECT{0, 0, 4, 4}, kTransparent}});
+  WritePng(m_paths[2], 30, 20, kSlotColours[3], {{RECT{0, 0, 4, 4}, kTransparent}});
+  ASSERT_TRUE(m_button->SetImages(m_paths[2], m_paths[2], m_paths[2], m_paths[2]));
+  EXPECT_EQ(Shown(), kSlotColours[3]);
+  ASSERT_EQ(ReadBytes(copy).size(), ReadBytes(m_paths[2]).size()) << "the same byte size, for this check";
+  const FILETIME shownTime = LastWriteTime(m_paths[2]);
+  ASSERT_TRUE(::CopyFileW(copy.c_str(), m_paths[2].c_str(), FALSE) && SetLastWriteTime(m_paths[2], shownTime));
+  ASSERT_TRUE(m_button->SetImages(m_paths[2], m_paths[2], m_paths[2], m_paths[2]));
+  EXPECT_EQ(Shown(), kSlotColours[0]) << "the old picture is still shown";
+
+  // A picture that could not be made ready for painting once (memory ran short) is tried again at
+  // the next paint instead of leaving the button blank for good.
+  const std::wstring fresh = m_folder / L"fresh.png";
+  WritePng(fresh, 30, 20, kSlotColours[1]);
+  imageutil::store::FailConversionsForTest(2);  // slots 1 and 2 fail: the hovered one is shown
+  m_button->SetImages(fresh, fresh, fresh, fresh);
+  imageutil::store::FailConversionsForTest(0);
+  EXPECT_FALSE(m_button->HasImage(1)) << "the fault was not met";
+  EXPECT_EQ(Shown(), kSlotColours[1]);
 }
 
 TEST_F(PngToolButton, CursorAndThemeNotifications) {

@@ -36,6 +36,17 @@ void WritePng(const std::wstring& path, int width, int height, Argb fill, const 
   ASSERT_EQ(bitmap.Save(path.c_str(), &png, nullptr), Gdiplus::Ok);
 }
 
+FILETIME LastWriteTime(const std::wstring& path) {
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  return ::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data) ? data.ftLastWriteTime : FILETIME{};
+}
+
+bool SetLastWriteTime(const std::wstring& path, const FILETIME& time) {
+  const corvane::unique_file file(::CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  return file && ::SetFileTime(file.get(), nullptr, nullptr, &time) != FALSE;
+}
+
 std::optional<Picture> ReadPicture(const std::wstring& path) {
   Gdiplus::Bitmap bitmap(path.c_str());
   if (bitmap.GetLastStatus() != Gdiplus::Ok) return std::nullopt;

@@ -78,6 +78,11 @@ class CCommandRecorder : public corvane::Window<CCommandRecorder> {
   LRESULT OnEraseBkgnd(UINT, WPARAM wParam, LPARAM, bool&);
 };
 
+// A file's last-write time, and setting it back: two writes within one clock tick, or a copy that
+// keeps its source's time, leave a file with the same size and time and other bytes.
+FILETIME LastWriteTime(const std::wstring& path);
+bool SetLastWriteTime(const std::wstring& path, const FILETIME& time);
+
 // Dispatches everything queued for this thread; more rounds, 15 ms apart, let real input and the
 // messages it causes (WM_MOUSELEAVE, repaints) arrive.
 void Pump(int rounds = 1);
