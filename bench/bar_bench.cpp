@@ -19,6 +19,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <vector>
 
 #include "bar/bar_common.h"
@@ -34,6 +35,7 @@
 #include "platform/work_profile.h"
 #include "widgets/picture_store.h"
 #include "widgets/image_helpers.h"
+#include "work_floor.h"
 
 namespace {
 
@@ -317,66 +319,87 @@ void PrintWork(const char* phase, double ms, const WorkReading& a, const WorkRea
   PrintTallies(a, b, 1);
 }
 
-// Where a bar's time goes, phase by phase, with the picture ledger off (every picture rendered and
-// written, as the rules alone would) and on (a file that already holds identical inputs' output is
-// left alone), in this one run:
-//   a. the first bar of the process (ledger empty),
+// What a phase had to do by the rules, read off the add-in's own profile with the caches on (where
+// a caption is rendered once per distinct input): its captions, windows, paints and registry reads.
+bench::PhaseWork WorkOf(const WorkReading& a, const WorkReading& b, int rounds = 1) {
+  const auto count = [&](corvane::profile::Work work) {
+    const int i = static_cast<int>(work);
+    return (b.tally[i].count - a.tally[i].count + rounds / 2) / rounds;
+  };
+  using corvane::profile::Work;
+  return bench::PhaseWork{count(Work::CaptionRender), count(Work::WindowCreate), count(Work::Paint),
+                          count(Work::RegistryRead)};
+}
+
+void PrintFloor(const bench::FloorUnits& units, const bench::PhaseWork& work, double ms, std::vector<double>* ratios) {
+  const double floor = bench::FloorMs(units, work);
+  std::printf("     floor %.1f ms (%lld captions, %lld windows, %lld paints, %lld registry reads): ratio %.2f\n", floor,
+              static_cast<long long>(work.captions), static_cast<long long>(work.windows),
+              static_cast<long long>(work.paints), static_cast<long long>(work.reads), ms / floor);
+  if (ratios != nullptr) ratios->push_back(ms / floor);
+}
+
+std::string Spread(std::vector<double> samples, const char* format) {
+  if (samples.empty()) return "-";
+  std::sort(samples.begin(), samples.end());
+  char text[128];
+  const std::string f = std::string(format) + " (" + format + "-" + format + ")";
+  std::snprintf(text, sizeof(text), f.c_str(), bench::Median(samples), samples.front(), samples.back());
+  return text;
+}
+
+// Where a bar's time goes, phase by phase, with the picture caches off (every picture rendered,
+// written and decoded, as the rules alone would) and on, three times each, in this one run:
+//   a. the first bar of the process (caches empty, the skin's files on disk from earlier bars),
 //   b. a bar in a second window while the first lives,
 //   c. the re-measure after a zoom change (1.0 -> 1.5) in that second window.
-// The unit is one caption rendered to a file, timed in the same run.
-void BenchProfile(const PublishedState& state) {
-  imageutil::TextImageStyle caption;
-  caption.text = L"设置";
-  caption.color = CTitleWindow::kCaptionColor;
-  caption.fontName = L"Microsoft YaHei";
-  caption.fontSize = 12.0f;
-  const std::wstring captionFile = state.Scratch(L"unit.png");
-  imageutil::store::SetReuse(false);
-  std::vector<double> units;
-  for (int i = 0; i < 9; ++i) {
-    const double t0 = bench::NowMicroseconds();
-    RenderTextToPng(caption, captionFile);
-    units.push_back((bench::NowMicroseconds() - t0) / 1000.0);
-  }
-  const double unit = bench::Median(units);
-  std::printf("bar profile (one caption rendered to a file: %.2f ms, median of 9)\n", unit);
-
-  for (const bool reuse : {false, true, false, true}) {
-    imageutil::store::SetReuse(false);  // forgets what was recorded: the first bar meets an empty ledger
+// With the caches on each phase is also set against its floor (work_floor.h), timed in this run.
+void BenchProfile(const PublishedState& state, const bench::FloorUnits& units) {
+  std::printf("bar profile (floor units, this run: caption to memory %.2f ms, window %.3f ms, paint %.3f ms,"
+              " registry read %.3f ms)\n",
+              units.caption, units.window, units.paint, units.read);
+  std::vector<double> first, second, remeasure, ratioA, ratioB, ratioC;
+  for (const bool reuse : {false, true, false, true, false, true}) {
+    imageutil::store::SetReuse(false);  // forgets everything: the first bar meets empty caches
     imageutil::store::SetReuse(reuse);
-    std::printf(" picture ledger %s:\n", reuse ? "on" : "off");
-    CHostWindow first, second;
+    std::printf(" picture caches %s:\n", reuse ? "on" : "off");
+    CHostWindow firstHost, secondHost;
+    if (!firstHost.CreateFrame(10, 10, 900, 240)) return;
+    state.Zoom(firstHost.m_hWnd, L"1.0");
+    ::ShowWindow(firstHost.m_hWnd, SW_SHOWNOACTIVATE);
+    Pump();
     WorkReading w0 = WorkReading::Now();
     double t0 = bench::NowMicroseconds();
-    if (!first.CreateFrame(10, 10, 900, 240)) return;
-    state.Zoom(first.m_hWnd, L"1.0");
-    ::ShowWindow(first.m_hWnd, SW_SHOWNOACTIVATE);
-    Pump();
-    w0 = WorkReading::Now();
-    t0 = bench::NowMicroseconds();
-    const bool created = first.CreateBar();
+    const bool created = firstHost.CreateBar();
     Pump();
     double ms = (bench::NowMicroseconds() - t0) / 1000.0;
     WorkReading w1 = WorkReading::Now();
     if (!created) return;
     PrintWork("a. first bar", ms, w0, w1);
+    if (reuse) {
+      first.push_back(ms);
+      PrintFloor(units, WorkOf(w0, w1), ms, &ratioA);
+    }
 
-    if (!second.CreateFrame(40, 300, 900, 240)) return;
-    state.Zoom(second.m_hWnd, L"1.0");
-    ::ShowWindow(second.m_hWnd, SW_SHOWNOACTIVATE);
+    if (!secondHost.CreateFrame(40, 300, 900, 240)) return;
+    state.Zoom(secondHost.m_hWnd, L"1.0");
+    ::ShowWindow(secondHost.m_hWnd, SW_SHOWNOACTIVATE);
     Pump();
     w0 = WorkReading::Now();
     t0 = bench::NowMicroseconds();
-    second.CreateBar();
+    secondHost.CreateBar();
     Pump();
     ms = (bench::NowMicroseconds() - t0) / 1000.0;
     w1 = WorkReading::Now();
     PrintWork("b. bar in a second window", ms, w0, w1);
-    std::printf("     second window's bar / one caption render: %.1f\n", ms / unit);
+    if (reuse) {
+      second.push_back(ms);
+      PrintFloor(units, WorkOf(w0, w1), ms, &ratioB);
+    }
 
-    const HWND bar = second.Bar().m_hWnd;
+    const HWND bar = secondHost.Bar().m_hWnd;
     ::KillTimer(bar, CTitleWindow::TIMER_CLOUD_UPDATE_INFO);
-    state.Zoom(second.m_hWnd, L"1.5");
+    state.Zoom(secondHost.m_hWnd, L"1.5");
     w0 = WorkReading::Now();
     t0 = bench::NowMicroseconds();
     Tick(bar);
@@ -384,11 +407,69 @@ void BenchProfile(const PublishedState& state) {
     ms = (bench::NowMicroseconds() - t0) / 1000.0;
     w1 = WorkReading::Now();
     PrintWork("c. re-measure 1.0 -> 1.5", ms, w0, w1);
-    std::printf("     re-measure / one caption render: %.1f\n", ms / unit);
-    CloseHost(second, state);
-    CloseHost(first, state);
+    if (reuse) {
+      remeasure.push_back(ms);
+      PrintFloor(units, WorkOf(w0, w1), ms, &ratioC);
+    }
+    CloseHost(secondHost, state);
+    CloseHost(firstHost, state);
   }
   imageutil::store::SetReuse(true);
+  std::vector<double> firstBySecond;
+  for (size_t i = 0; i < first.size() && i < second.size(); ++i) firstBySecond.push_back(first[i] / second[i]);
+  std::printf("bar phases with the caches on, median (min-max) of %zu: a. first bar %s ms, ratio to floor %s;"
+              " b. second window %s ms, ratio %s; c. re-measure %s ms, ratio %s; a / b %s\n",
+              first.size(), Spread(first, "%.1f").c_str(), Spread(ratioA, "%.2f").c_str(),
+              Spread(second, "%.1f").c_str(), Spread(ratioB, "%.2f").c_str(), Spread(remeasure, "%.1f").c_str(),
+              Spread(ratioC, "%.2f").c_str(), Spread(firstBySecond, "%.2f").c_str());
+}
+
+// A second window's bar while another window's picture write is stuck (a test hook holds that
+// write on its own thread for up to ten seconds): built in its normal time, or it waits.
+void BenchHeldWrite(const PublishedState& state) {
+  // A first window keeps the add-in's caches as Explorer would while another of its windows is open.
+  CHostWindow keeper;
+  if (!OpenHost(keeper, state, 10)) return;
+  const auto build = [&state](int x) {
+    CHostWindow host;
+    const double t0 = bench::NowMicroseconds();
+    OpenHost(host, state, x);
+    const double ms = (bench::NowMicroseconds() - t0) / 1000.0;
+    CloseHost(host, state);
+    return ms;
+  };
+  std::vector<double> normal;
+  for (int i = 0; i < 5; ++i) normal.push_back(build(40));
+
+  static DWORD s_heldThread = 0;
+  static HANDLE s_entered = nullptr, s_release = nullptr;
+  s_entered = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  s_release = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  imageutil::store::SetWriteHookForTest([](const std::wstring&) {
+    if (::GetCurrentThreadId() != s_heldThread) return;
+    ::SetEvent(s_entered);
+    ::WaitForSingleObject(s_release, 10000);
+  });
+  ::DeleteFileW((SkinFolder() + L"\\Capacityu.png").c_str());  // so the held window must write
+  std::thread held([&state] {
+    s_heldThread = ::GetCurrentThreadId();
+    const ComApartment com;
+    CHostWindow host;
+    OpenHost(host, state, 400);
+    CloseHost(host, state);
+  });
+  const bool wasHeld = ::WaitForSingleObject(s_entered, 10000) == WAIT_OBJECT_0;
+  const double whileHeld = build(40);
+  ::SetEvent(s_release);
+  held.join();
+  imageutil::store::SetWriteHookForTest(nullptr);
+  ::CloseHandle(s_entered);
+  ::CloseHandle(s_release);
+  std::printf("second window's bar while another window's write is held%s: %.1f ms; normally %s ms (median of 5);"
+              " ratio %.2f (goal <= 1.5)\n",
+              wasHeld ? "" : " (the hold was never reached)", whileHeld, Spread(normal, "%.1f").c_str(),
+              whileHeld / bench::Median(normal));
+  CloseHost(keeper, state);
 }
 
 struct Footprint {
@@ -452,7 +533,7 @@ bool CapacityChange(const PublishedState& state, HWND bar, const CTitleWindow& t
   return bench::LastWrite(joined) != renderedBefore && title.GetCapacity().GetUsedSpace() == used;
 }
 
-void BenchSoak(const PublishedState& state, int cycles, int changes) {
+void BenchSoak(const PublishedState& state, const bench::FloorUnits& units, int cycles, int changes) {
   // The capacity bar lives through the whole soak, so the cycles run beside a second bar, and its
   // own objects are there at every measurement.
   CHostWindow host;
@@ -493,11 +574,15 @@ void BenchSoak(const PublishedState& state, int cycles, int changes) {
               changes, shown, bench::Median(changeSamples), changeSeconds);
   std::printf("  per change:");
   PrintTallies(w0, w1, changes);
+  PrintFloor(units, WorkOf(w0, w1, changes), bench::Median(changeSamples), nullptr);
   PrintGrowth(afterCycles, afterChanges, changes, "change");
   std::printf("  both soaks together: GDI headroom lost %ld, USER headroom lost %ld, live RAII objects %+ld\n",
               start.room.gdi - afterChanges.room.gdi, start.room.user - afterChanges.room.user,
               afterChanges.live.Total() - start.live.Total());
+  std::printf("  picture caches after the soaks: %zu bytes (bound %zu)\n", imageutil::store::CachedBytes(),
+              imageutil::store::kMaxCachedBytes);
   CloseHost(host, state);
+  std::printf("  picture caches after the last window closed: %zu bytes (goal 0)\n", imageutil::store::CachedBytes());
 }
 
 }  // namespace
@@ -516,13 +601,20 @@ int wmain(int argc, wchar_t** argv) {
   }
   const PublishedState state;
   try {
-    BenchProfile(state);
+    CHostWindow unitHost;
+    if (!unitHost.CreateFrame(10, 10, 400, 100)) return 1;
+    const bench::FloorUnits units = bench::MeasureFloorUnits(unitHost.m_hWnd, kUserKey, L"totalSpace");
+    unitHost.DestroyWindow();
+    Pump();
+    BenchProfile(state, units);
+    std::fflush(stdout);
+    BenchHeldWrite(state);
     std::fflush(stdout);
     BenchQuietTick(state);
     std::fflush(stdout);
     BenchRemeasure(state);
     std::fflush(stdout);
-    BenchSoak(state, cycles, changes);
+    BenchSoak(state, units, cycles, changes);
   } catch (...) {
     std::puts("bar_bench: unexpected failure");
     return 1;

@@ -132,6 +132,7 @@ LRESULT CTitleWindow::OnCreate(UINT, WPARAM, LPARAM, bool&) {
   LOG_INFO(L"CTitleWindow::OnCreate", L"CTitleWindow::OnCreate() invoked");
   // Without an owner there is no height to lay out with.
   if (m_pOwner == nullptr) return -1;
+  m_pictureUse.emplace();
 
   std::wstring user;
   regUtil::getCurrentUser(user);
@@ -188,6 +189,7 @@ LRESULT CTitleWindow::OnDestroy(UINT, WPARAM, LPARAM, bool& handled) {
   LOG_INFO(L"CTitleWindow::OnDestroy", L"CTitleWindow::OnDestroy() invoked");
   m_bLive = false;
   ::KillTimer(m_hWnd, TIMER_CLOUD_UPDATE_INFO);
+  m_pictureUse.reset();
   handled = false;
   return 0;
 }

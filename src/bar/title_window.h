@@ -8,6 +8,7 @@
 #include <wrl/client.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -86,8 +87,9 @@ class CTitleWindow final : public corvane::Window<CTitleWindow> {
   void RenderAdvertising();
   void ApplyLogoPath(const std::wstring& path);
 
-  // The process's pictures are kept while any bar lives, and given back when the last one goes.
-  imageutil::store::Use m_pictureUse;
+  // The process's pictures are kept while any bar's window lives, and given back when the last
+  // one is destroyed (the object itself may outlive its window).
+  std::optional<imageutil::store::Use> m_pictureUse;
   CRightWindow m_rightWindow;
   bool m_bCreated = false;
   std::atomic<bool> m_bLive{false};

@@ -38,7 +38,7 @@ Tally Get(Work work) noexcept {
 const wchar_t* NameOf(Work work) noexcept {
   static const wchar_t* const names[kKinds] = {
       L"caption renders", L"picture joins",  L"picture stretches",  L"renders/joins/stretches reused",
-      L"size queries",    L"PNG decodes",    L"PNG encodes",   L"file writes",        L"encoder look-ups",
+      L"size queries",    L"PNG decodes",    L"file reads",    L"premultiplications", L"PNG encodes",   L"file writes",        L"encoder look-ups",
       L"font creations",  L"font families",  L"windows created",    L"paints",             L"registry reads",
       L"process starts",
   };

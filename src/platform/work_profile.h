@@ -16,6 +16,8 @@ enum class Work : int {
   PictureReused,    // a render, join or stretch found its file already holding its output
   SizeQuery,        // a picture's size asked of its file
   Decode,           // a picture file read and decoded
+  FileRead,         // a picture file read whole
+  Premultiply,      // a decoded picture converted to premultiplied rows for painting
   Encode,           // a picture encoded as PNG in memory
   FileWrite,        // a picture file written (left alone when it already held the same bytes)
   EncoderLookup,    // the PNG encoder searched for

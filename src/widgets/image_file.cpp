@@ -64,6 +64,7 @@ std::unique_ptr<Gdiplus::Bitmap> DecodedPicture::View() const {
 }
 
 bool ReadWholeFile(const std::wstring& path, Bytes& bytes) {
+  const corvane::profile::Timed timed(corvane::profile::Work::FileRead);
   // Every sharing mode: the bar may be rewriting or replacing the file while a button reads it.
   const corvane::unique_file file(::CreateFileW(path.c_str(), GENERIC_READ,
                                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -113,6 +114,7 @@ std::shared_ptr<DecodedPicture> PixelsOf(Gdiplus::Bitmap& bitmap) {
 }
 
 std::shared_ptr<const Pixels> Premultiply(const DecodedPicture& picture) {
+  const corvane::profile::Timed timed(corvane::profile::Work::Premultiply);
   const std::unique_ptr<Gdiplus::Bitmap> view = picture.View();
   if (!view) return nullptr;
   auto rows = std::make_shared<Pixels>(picture.argb.size());
