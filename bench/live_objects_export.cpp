@@ -4,6 +4,8 @@
 // The shipped DLL has no such exports.
 #include <windows.h>
 
+#include <optional>
+
 #include "live_objects.h"
 #include "platform/module_lock.h"
 #include "platform/work_profile.h"
@@ -28,3 +30,14 @@ extern "C" BOOL WINAPI CorvaneWorkTally(int kind, LONGLONG* count, LONGLONG* mic
 // Switches the picture ledger and the decoded-picture cache, so a benchmark can measure the add-in
 // with and without them in one run.
 extern "C" void WINAPI CorvaneSetPictureReuse(BOOL reuse) { imageutil::store::SetReuse(reuse != FALSE); }
+
+// Holds the pictures as the Explorer window controller around a namespace view does in Explorer
+// (without it, every view is the process's last and its pictures go with it).
+extern "C" void WINAPI CorvaneHoldPictures(BOOL hold) {
+  static std::optional<imageutil::store::Use> held;
+  if (hold) {
+    held.emplace();
+  } else {
+    held.reset();
+  }
+}

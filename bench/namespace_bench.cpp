@@ -80,6 +80,11 @@ class AddIn {
     m_canUnload = reinterpret_cast<CanUnloadFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "DllCanUnloadNow")));
     m_tally = reinterpret_cast<TallyFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneWorkTally")));
     m_reuse = reinterpret_cast<ReuseFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneSetPictureReuse")));
+    m_hold = reinterpret_cast<ReuseFn>(reinterpret_cast<void*>(::GetProcAddress(m_module.get(), "CorvaneHoldPictures")));
+  }
+  // As inside Explorer, where the window's controller keeps the pictures between views.
+  void HoldPictures(bool hold) const {
+    if (m_hold != nullptr) m_hold(hold ? TRUE : FALSE);
   }
   void SetPictureReuse(bool reuse) const {
     if (m_reuse != nullptr) m_reuse(reuse ? TRUE : FALSE);
@@ -111,6 +116,7 @@ class AddIn {
   CanUnloadFn m_canUnload = nullptr;
   TallyFn m_tally = nullptr;
   ReuseFn m_reuse = nullptr;
+  ReuseFn m_hold = nullptr;
 };
 
 struct Snapshot {
@@ -226,17 +232,20 @@ void ViewCycles(const AddIn& addIn, int cycles) {
   for (int i = 0; i < 5; ++i) ours();
   floor();
   // d. Where one view's time goes: the add-in's work profile per cycle, and the cycle against its
-  // floor, with the decoded-picture cache off (every picture decoded from its file, as before the
-  // cache) and on, in this one run.
-  for (const bool reuse : {false, true}) {
+  // floor, with the picture caches off (every picture decoded from its file), on with each view the
+  // process's only window (its pictures go with it), and on with the pictures held between views as
+  // the Explorer window around a view holds them; in this one run. The soak below runs held.
+  for (const auto& [reuse, hold] : {std::pair{false, false}, std::pair{true, false}, std::pair{true, true}}) {
     addIn.SetPictureReuse(reuse);
+    addIn.HoldPictures(hold);
     ours();
     const auto w0 = addIn.Work();
     std::vector<double> o, f;
     bench::Interleave(20, ours, floor, o, f);
     const auto w1 = addIn.Work();
     std::printf("view profile, picture reuse %s, per cycle (20 cycles): median %.1f ms, floor %.1f ms, ratio %.1f;",
-                reuse ? "on" : "off", bench::Median(o) / 1000.0, bench::Median(f) / 1000.0,
+                reuse ? (hold ? "on, held between views" : "on, each view alone") : "off", bench::Median(o) / 1000.0,
+                bench::Median(f) / 1000.0,
                 bench::Median(f) > 0 ? bench::Median(o) / bench::Median(f) : 0.0);
     for (size_t k = 0; k < w1.size() && k < w0.size(); ++k) {
       const LONGLONG count = w1[k].first - w0[k].first;
@@ -259,6 +268,7 @@ void ViewCycles(const AddIn& addIn, int cycles) {
   PrintChange(before, half, after);
   std::printf("  cycles that left a COM object of the add-in alive: %d\n", lockedAfter);
   PrintTimes("per cycle", oursSamples, floorSamples, "frame with a plain child");
+  addIn.HoldPictures(false);
 }
 
 struct DropScene {

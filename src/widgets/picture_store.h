@@ -64,7 +64,9 @@ bool IsReuseOn() noexcept;
 // Bytes held now (file bytes, ARGB and premultiplied rows, recorded outputs).
 std::size_t CachedBytes() noexcept;
 // The bound on CachedBytes.
-constexpr std::size_t kMaxCachedBytes = 24u << 20;
+// The whole skin decoded, with the premultiplied rows of every picture painted, is about 31 MiB;
+// a bound below the pictures a prompt and a bar cycle through would miss on every one of them.
+constexpr std::size_t kMaxCachedBytes = 48u << 20;
 
 // Held by every window that shows or renders pictures; when the last one goes, everything cached
 // is given back (a process with no bar and no view left keeps no pixels).
