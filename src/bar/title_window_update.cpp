@@ -50,8 +50,8 @@ LRESULT CTitleWindow::OnTimer(UINT, WPARAM wParam, LPARAM, bool&) {
   }
 
   // A fresh 0.0: a zoom that has disappeared counts as a change to 0. The difference is taken
-  // absolutely, not relative to the zoom's size: at the zooms a client publishes (about 1 to 3)
-  // the two agree, and the absolute form has no special case at 0.
+  // absolutely, not with core::IsNearlyEqual's relative test: at the zooms a client publishes
+  // (about 1 to 3) the two agree, and the absolute form has no special case at 0.
   double zoom = 0.0;
   regUtil::getDpiZoom(ZoomWindow(), zoom);
   if (std::fabs(zoom - m_dDpiZoom) > 1e-9) {

@@ -93,6 +93,12 @@ std::optional<double> ParseDecimalReal(std::wstring_view text) {
   return value;
 }
 
+bool IsNearlyEqual(double a, double b, double epsilon) noexcept {
+  const double difference = std::fabs(a - b);
+  if (a != 0.0 && b != 0.0) return difference / std::fabs(b) <= epsilon;
+  return difference <= epsilon;
+}
+
 std::wstring UnsignedDecimal(std::uint64_t value) {
   wchar_t digits[20];
   std::size_t count = 0;

@@ -20,6 +20,10 @@ std::int64_t ParseDecimalInt64(std::wstring_view text) noexcept;
 // The decimal point is always '.', whatever the thread's locale.
 std::optional<double> ParseDecimalReal(std::wstring_view text);
 
+// Doubles compared within epsilon: relative to |b| when both are non-zero, absolute otherwise (so a
+// zero is never divided by, and 0 against 1e-10 is equal at epsilon 1e-9).
+bool IsNearlyEqual(double a, double b, double epsilon) noexcept;
+
 // The digits of an unsigned number, as window handles are written into value names.
 std::wstring UnsignedDecimal(std::uint64_t value);
 

@@ -37,6 +37,7 @@ class BarCommandTest : public BarTest {
     ASSERT_EQ(records.size(), before + 1);
     EXPECT_EQ(records.back().commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L" -shellpopwin \"" + fields + L"\""));
     EXPECT_EQ(records.back().directory + L"\\", corvane::ClientFolder());
+    EXPECT_EQ(records.back().show, L"1") << "started SW_SHOWNORMAL";
     EXPECT_EQ(LogOf(function).size(), 1u);
     // One client at a time: a second one starting within 8 seconds would close the start-up gate.
     ASSERT_TRUE(launchertest::WaitForNoClient());

@@ -144,11 +144,12 @@ TEST_F(BarTest, ZoomChangePostsOneDisplayChangePair) {
     EXPECT_DOUBLE_EQ(hosted.bar.GetDpiZoom(), steps[i].stored) << "step " << i;
     Pump();
     if (i != 2) continue;  // re-measured at 1.25
-    EXPECT_GT(hosted.owner.GetBarHeight(), unzoomedHeight);
+    // Literal heights in this prefix's font: the captions measure 14 px at 1.0 and the zoomed ones
+    // 18 at 1.25 (a zoom applied twice, 1.5625, would give about 22); the bar grows from 22 to 28.
+    EXPECT_EQ(std::make_pair(unzoomedHeight, hosted.owner.GetBarHeight()), std::make_pair(22, 28));
     for (const auto& [picture, zoomed] : captions) {
-      const LONG height = PictureSize(SkinFile(picture)).cy;
-      EXPECT_TRUE(unzoomed[picture] > 0 && (zoomed ? height > unzoomed[picture] : height == unzoomed[picture]))
-          << logtest::Utf8(picture) << " " << unzoomed[picture] << " -> " << height;
+      EXPECT_EQ(std::make_pair(unzoomed[picture], PictureSize(SkinFile(picture)).cy), std::make_pair(14L, zoomed ? 18L : 14L))
+          << logtest::Utf8(picture);
     }
   }
   EXPECT_EQ(hosted.owner.GetBarHeight(), unzoomedHeight) << "re-measured at 1.0 after the zoom went away";

@@ -127,5 +127,6 @@ TEST_F(Launcher, DpiToolGetsTheHandleDigitsBesideTheDll) {
   ASSERT_EQ(records.size(), 1u);
   EXPECT_EQ(records[0].commandLine, launchertest::Received(tool, L"18446744069720004216"));
   EXPECT_EQ(records[0].directory + L"\\", corvane::ThisModuleFolder());
+  EXPECT_EQ(records[0].show, L"1") << "started SW_SHOWNORMAL";
   EXPECT_TRUE(GateLines().empty()) << "the DPI tool is not gated";
 }

@@ -38,7 +38,8 @@ std::vector<StartRecord> ReadRecords(const std::wstring& path) {
     std::wistringstream fields(wide);
     StartRecord record;
     if (!(fields >> record.pid >> record.startMs) || fields.get() != L'\t' ||
-        !std::getline(fields, record.directory, L'\t') || !std::getline(fields, record.commandLine)) {
+        !std::getline(fields, record.show, L'\t') || !std::getline(fields, record.directory, L'\t') ||
+        !std::getline(fields, record.commandLine)) {
       continue;
     }
     records.push_back(std::move(record));

@@ -18,7 +18,7 @@ namespace launchertest {
 struct StartRecord {
   DWORD pid = 0;
   std::uint64_t startMs = 0;
-  std::wstring directory, commandLine;
+  std::wstring show, directory, commandLine;  // show: the starter's wShowWindow, "-" for none
 };
 
 std::vector<StartRecord> ReadRecords(const std::wstring& path);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <string>
 #include <optional>
 #include <string>
 
@@ -24,12 +25,31 @@ TEST(ParseDecimalReal, DecimalAndExponentFormsOnlyInAnyLocale) {
       {L"inf", std::nullopt}, {L"1e400", std::nullopt}, {L"1e-400", std::nullopt},  // nor out of range
   };
   const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
+  int commaLocales = 0;
   for (const char* locale : {"C", "de-DE", "German_Germany.1252", "de_DE.UTF-8", "de_DE"}) {
     if (std::setlocale(LC_NUMERIC, locale) == nullptr) continue;
+    commaLocales += std::string(std::localeconv()->decimal_point) == "," ? 1 : 0;
     for (const auto& c : cases)
       EXPECT_EQ(corvane::core::ParseDecimalReal(c.text), c.expected) << locale << ", row " << (&c - cases);
   }
   std::setlocale(LC_NUMERIC, previous.c_str());
+#ifdef _WIN32
+  EXPECT_GT(commaLocales, 0) << "no locale with a decimal comma could be set: the comma rows proved nothing";
+#endif
+}
+
+TEST(IsNearlyEqual, RelativeWhenBothNonZeroAbsoluteOtherwise) {
+  const struct { double a, b, epsilon; bool equal; } cases[] = {
+      {1.0, 1.0 + 1e-10, 1e-9, true},     {1.0, 1.0 + 1e-8, 1e-9, false},
+      {1000.0, 1000.0005, 1e-6, true},    // relative: 5e-7 of b, though 5e-4 apart
+      {1e-12, 2e-12, 1e-9, false},        // relative: 50 % apart, though 1e-12 apart
+      {0.0, 1e-10, 1e-9, true},           {0.0, 0.0, 1e-9, true},
+      {0.0, 2e-9, 1e-9, false},           {1e-10, 0.0, 1e-9, true},  // absolute when either is 0
+      {-2.0, 2.0, 1e-9, false},           {1.25, 1.0, 0.25, true},   // |a-b|/|b| = 0.25 exactly
+      {3.0, 4.0, 0.3, true},              {4.0, 3.0, 0.3, false},    // relative to b, not a
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(corvane::core::IsNearlyEqual(c.a, c.b, c.epsilon), c.equal) << c.a << " vs " << c.b << " within " << c.epsilon;
 }
 
 }  // namespace

@@ -62,6 +62,9 @@ TEST(DllHost, ExplorerAndTheRegistrationToolAreTheOnlyHosts) {
     EXPECT_EQ(run.values[L"load"], c.admitted ? L"ok" : L"failed error=1114");
     if (c.admitted) {
       EXPECT_EQ(run.values[L"DllGetClassObject"], L"0x80040111 object=null");  // CLASS_E_CLASSNOTAVAILABLE
+      // Every class the registration writes is served (and its factory released before the unload ask).
+      for (const wchar_t* name : {L"class TitleBarBHO", L"class MyShellView", L"class MyShellFolder", L"class MyShellFolder1"})
+        EXPECT_EQ(run.values[name], L"0x00000000 object=set") << testing::PrintToString(std::wstring(name));
       EXPECT_EQ(run.values[L"DllCanUnloadNow"], L"0x00000000");
       EXPECT_EQ(run.values[L"free"], L"ok");
     }

@@ -81,8 +81,13 @@ unsigned long Number(const std::wstring& text) {
 }
 
 bool AppendStartRecord(const std::wstring& path) {
+  STARTUPINFOW startup{};
+  startup.cb = sizeof(startup);
+  ::GetStartupInfoW(&startup);
+  const std::wstring show =
+      (startup.dwFlags & STARTF_USESHOWWINDOW) != 0 ? std::to_wstring(startup.wShowWindow) : std::wstring(L"-");
   const std::wstring line = std::to_wstring(::GetCurrentProcessId()) + L'\t' + std::to_wstring(CreationTimeMs()) +
-                            L'\t' + CurrentDirectory() + L'\t' + ::GetCommandLineW() + L'\n';
+                            L'\t' + show + L'\t' + CurrentDirectory() + L'\t' + ::GetCommandLineW() + L'\n';
   const std::string bytes = ToUtf8(line);
 
   const corvane::unique_handle mutex(::CreateMutexW(nullptr, FALSE, L"Local\\CorvaneStandinRecord"));

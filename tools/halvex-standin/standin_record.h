@@ -2,9 +2,11 @@
 // What the client stand-ins share: where they are, what they were told, and the start record.
 //
 // A start record is one UTF-8 line, appended to the record file and ended by "\n":
-//   <process id> TAB <creation time, ms since 1970> TAB <current directory> TAB <raw command line>
+//   <process id> TAB <creation time, ms since 1970> TAB <show state> TAB <current directory> TAB
+//   <raw command line>
+// The show state is the one its starter asked for (STARTUPINFO's wShowWindow, "-" when none was).
 // The command line is written exactly as GetCommandLineW returns it and comes last, so everything
-// after the third tab belongs to it (only a line break inside it would split the record).
+// after the fourth tab belongs to it (only a line break inside it would split the record).
 #include <windows.h>
 
 #include <optional>

@@ -6,7 +6,9 @@
 // Output, one "key=value" per line in UTF-8:
 //   host=<path this process reports for itself>
 //   load=ok | load=failed error=<Win32 error>
-//   DllGetClassObject=0x........ object=null|set, DllCanUnloadNow=0x........
+//   DllGetClassObject=0x........ object=null|set (a class it never serves),
+//   class <name>=0x........ object=null|set (each class the registration writes, by its CLSID),
+//   DllCanUnloadNow=0x........
 //   or one DllRegisterServer=, DllUnregisterServer= or DllInstall=0x........ line per call
 //   free=ok | free=failed
 // Exit code: 0 loaded and freed, 2 the load failed, 3 an entry point is missing or the free failed,
@@ -23,6 +25,19 @@ namespace {
 
 // Never served by the module.
 constexpr CLSID kUnknownClsid = {0x0badc0de, 0x1234, 0x4abc, {0x9d, 0xef, 0x01, 0x23, 0x45, 0x67, 0x89, 0xab}};
+
+// The classes the DLL registers, written out here rather than taken from its headers, so that a
+// class missing from its table shows.
+struct ServedClass {
+  const char* name;
+  CLSID clsid;
+};
+constexpr ServedClass kServedClasses[] = {
+    {"TitleBarBHO", {0x5b1e7c20, 0x3f4a, 0x4d2e, {0x9c, 0x61, 0x0a, 0x8d, 0x2e, 0x47, 0xb9, 0x13}}},
+    {"MyShellView", {0xa3c90e58, 0x7b12, 0x4f6d, {0xb8, 0xe4, 0x61, 0xf2, 0x5c, 0x0d, 0x9a, 0x47}}},
+    {"MyShellFolder", {0x6e0d3a92, 0xc4b7, 0x4a18, {0x8f, 0x25, 0xb9, 0x3c, 0x1d, 0x7e, 0x5a, 0x40}}},
+    {"MyShellFolder1", {0x6e0d3a92, 0xc4b7, 0x4a18, {0x8f, 0x25, 0xb9, 0x3c, 0x1d, 0x7e, 0x5a, 0x42}}},
+};
 
 void Print(const std::string& line) {
   const std::string withEnd = line + "\n";
@@ -115,6 +130,12 @@ int wmain(int argc, wchar_t** argv) {
   void* object = &object;
   const HRESULT classResult = getClassObject(kUnknownClsid, IID_IClassFactory, &object);
   Print("DllGetClassObject=" + Hex(classResult) + " object=" + (object == nullptr ? "null" : "set"));
+  for (const ServedClass& served : kServedClasses) {
+    IClassFactory* factory = nullptr;
+    const HRESULT result = getClassObject(served.clsid, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+    Print(std::string("class ") + served.name + "=" + Hex(result) + " object=" + (factory == nullptr ? "null" : "set"));
+    if (factory != nullptr) factory->Release();
+  }
   Print("DllCanUnloadNow=" + Hex(canUnloadNow()));
 
   // The free is what is being observed here, so its result is reported rather than left to the owner.
