@@ -2,6 +2,7 @@
 // settings menu.
 #include "bar_fixture.h"
 
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -16,6 +17,18 @@ TEST_F(BarTest, RightGroupPicturesFollowTheirLabelsAndTheTheme) {
   ::DeleteFileW(SkinFile(L"zsks.png").c_str());
   ::SendMessageW(hosted.Right(), WM_DISPLAYCHANGE, 0, 0);
   EXPECT_EQ(TakeQueued(WM_TITLE_PLACE_RIGHT), std::vector<HWND>{hosted.Bar()});
+  // The last placement is one pair for the process, not one per bar: a second bar of the same size
+  // skips placing its own group; one of another size places it.
+  {
+    HostedBar same(1200), other(1000);
+    ASSERT_TRUE(same.Start() && other.Start());
+    const RECT first = RectIn(hosted.Right(), hosted.Bar()), skipped = RectIn(same.Right(), same.Bar()),
+               placed = RectIn(other.Right(), other.Bar());
+    const auto tie = [](const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); };
+    EXPECT_EQ(tie(first), std::make_tuple(1008L, 0L, 1200L, 21L));
+    EXPECT_EQ(tie(placed), std::make_tuple(808L, 0L, 1000L, 21L));
+    EXPECT_NE(tie(skipped), tie(first)) << "placed although the process's last placement was the same";
+  }
   // The deleted pictures are back: each icon brought to its label's height (and joined to it).
   for (const auto& [label, icon] : {std::pair{L"tb_dt1.png", L"tb_dd1.png"}, std::pair{L"set_dt2.png", L"set_dd2.png"},
                                     std::pair{L"zsk_dt.png", L"zsks.png"}}) {

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 
 #include "core/paths.h"
 #include "corvane_h.h"
@@ -133,6 +134,21 @@ TEST_P(FolderTest, ViewsAttributesAndPanes) {
   ASSERT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&first)), S_OK);
   ASSERT_EQ(m_folder->CreateViewObject(nullptr, IID_PPV_ARGS(&second)), S_OK);
   EXPECT_NE(first.Get(), second.Get()) << "each window gets a view of its own";
+  // Explorer's other view objects are refused with E_NOTIMPL, the out pointer cleared.
+  for (const IID& other : {IID_IDropTarget, IID_IContextMenu, IID_IUnknown}) {
+    void* object = &object;
+    EXPECT_EQ(m_folder->CreateViewObject(nullptr, other, &object), E_NOTIMPL);
+    EXPECT_EQ(object, nullptr);
+  }
+  // Columns 0 to 2 are strings shown by default (0x11); the fourth is refused and nothing written.
+  ComPtr<IShellFolder2> folder2;
+  ASSERT_EQ(m_folder.As(&folder2), S_OK);
+  for (const auto& [column, result, flags] : {std::tuple{0u, S_OK, 0x11u}, std::tuple{2u, S_OK, 0x11u},
+                                               std::tuple{3u, E_INVALIDARG, 0x77u}}) {
+    SHCOLSTATEF state = 0x77;
+    EXPECT_EQ(folder2->GetDefaultColumnState(column, &state), result) << "column " << column;
+    EXPECT_EQ(state, flags) << "column " << column;
+  }
   const struct { UINT count; PCUITEMID_CHILD item; SFGAOF in, out; } cases[] = {
       {0, nullptr, 0xFFFFFFFF, 0xF8000000},
       {0, nullptr, SFGAO_FOLDER | SFGAO_CANCOPY, SFGAO_FOLDER},
