@@ -25,7 +25,7 @@ TEST(ParseDecimalReal, DecimalAndExponentFormsOnlyInAnyLocale) {
       {L"inf", std::nullopt}, {L"1e400", std::nullopt}, {L"1e-400", std::nullopt},  // nor out of range
   };
   const std::string previous = std::setlocale(LC_NUMERIC, nullptr);
-  int commaLocales = 0;
+  [[maybe_unused]] int commaLocales = 0;
   for (const char* locale : {"C", "de-DE", "German_Germany.1252", "de_DE.UTF-8", "de_DE"}) {
     if (std::setlocale(LC_NUMERIC, locale) == nullptr) continue;
     commaLocales += std::string(std::localeconv()->decimal_point) == "," ? 1 : 0;
