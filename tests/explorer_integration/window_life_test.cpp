@@ -148,14 +148,13 @@ TEST_F(ExplorerIntegration, EachWindowHasItsOwnBarAndOnlyTheLastToCloseLetsTheMo
   ASSERT_TRUE(WaitForBar(first, true).shown);
 
   // A close that meets a running check. The check asks for the view from the timer thread, held
-  // there for two seconds; the next check begins a second after the one that noted a folder ends, so
-  // a close half a second into it meets it, and the new folder it then notes is logged after the
-  // detach began.
+  // there for two seconds; once the stand-in says the next check's query is being held, a close
+  // meets that check, and the new folder it then notes is logged after the detach began.
   ASSERT_EQ(m_explorer->Command(L"viewdelay 2000"), L"ok");
   ASSERT_EQ(Navigate(first, m_sibling), L"ok");
   const std::wstring noted = L"HWND = " + Digits(firstBar.frame) + L" call GetCurrentFolderPath = ";
   ASSERT_TRUE(WaitUntil([&] { return CountLog(noted + m_sibling + L".") == 1; }, 8000));
-  ::Sleep(1500);
+  ASSERT_EQ(m_explorer->Command(L"viewheld 5000"), L"ok 1");
   ASSERT_EQ(Navigate(first, m_other), L"ok");
   ASSERT_EQ(m_explorer->Command(L"close " + Id(first)), L"ok");
   ASSERT_EQ(m_explorer->Command(L"viewdelay 0"), L"ok");

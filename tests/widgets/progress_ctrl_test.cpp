@@ -83,6 +83,7 @@ TEST_F(ProgressCtrl, ANewPositionRepaintsInTheColourSet) {
   m_progress.SetPos(50);
   ::ValidateRect(m_progress.m_hWnd, nullptr);
   m_progress.SetColor(0xFFE63C3C);
+  EXPECT_FALSE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE)) << "a new colour alone waits for the next repaint";
   m_progress.SetPos(75);
   EXPECT_TRUE(::GetUpdateRect(m_progress.m_hWnd, nullptr, FALSE)) << "a new position repaints";
   // With a radius of 0 the ends are square: the fill from the very corner, the track to the last column.

@@ -151,12 +151,28 @@ HRESULT CBrowser::GetControlWindow(UINT id, HWND* window) {
 
 void CBrowser::SetOffThreadViewDelay(DWORD milliseconds) noexcept { g_offThreadViewDelay = milliseconds; }
 
+namespace {
+// Set while an off-thread view query is being held, so a test can act inside the hold.
+HANDLE HeldEvent() noexcept {
+  static const HANDLE event = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  return event;
+}
+}  // namespace
+
+bool CBrowser::WaitForHeldViewQuery(DWORD milliseconds) noexcept {
+  return HeldEvent() != nullptr && ::WaitForSingleObject(HeldEvent(), milliseconds) == WAIT_OBJECT_0;
+}
+
 HRESULT CBrowser::QueryActiveShellView(IShellView** view) {
   if (view == nullptr) return E_POINTER;
   *view = nullptr;
   // Waited out before the lock is taken, so the window thread itself is never held up by it.
   const DWORD delay = g_offThreadViewDelay.load();
-  if (delay != 0 && ::GetWindowThreadProcessId(m_frame, nullptr) != ::GetCurrentThreadId()) ::Sleep(delay);
+  if (delay != 0 && ::GetWindowThreadProcessId(m_frame, nullptr) != ::GetCurrentThreadId()) {
+    ::SetEvent(HeldEvent());
+    ::Sleep(delay);
+    ::ResetEvent(HeldEvent());
+  }
   const ComPtr<CShellView> current = View();
   // Before the first navigation has completed there is no view, as in Explorer.
   if (!current) return E_FAIL;

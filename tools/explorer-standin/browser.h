@@ -47,6 +47,8 @@ class CBrowser final
   // For every window of the process: QueryActiveShellView called from another thread than the
   // window's waits this long first, as Explorer's does when the window thread is busy. 0 at start.
   static void SetOffThreadViewDelay(DWORD milliseconds) noexcept;
+  // True once an off-thread view query is being held (at once if one is), false after the time.
+  static bool WaitForHeldViewQuery(DWORD milliseconds) noexcept;
 
   // IUnknown, for the interfaces of both bases.
   IFACEMETHODIMP QueryInterface(REFIID riid, void** ppv) override;

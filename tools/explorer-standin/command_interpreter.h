@@ -22,6 +22,7 @@
 //   canunload <dll name>               → ok <hresult>  DllCanUnloadNow of a loaded DLL, "ok unloaded" if none
 //   freeunused <id>                    → ok            CoFreeUnusedLibrariesEx(0, 0) on the window's thread
 //   viewdelay <ms>                     → ok            QueryActiveShellView off the window thread waits first
+//   viewheld <ms>                      → ok 1|0        waits until such a query is being held (1), or the time passes
 //   quit                               → ok            closes every window, then the process ends
 //
 // For post and send, lparam may be "pidl:<location>": a fresh absolute PIDL made in the stand-in.
