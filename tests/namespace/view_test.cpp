@@ -140,10 +140,15 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
     RECT background;  // the only place outside the button where anything is painted; empty for none
     bool dark;
     const wchar_t* fields;  // what a click on the shown button sends
+    // Two pixels (0xRRGGBB) where the theme's own picture is drawn one to one: the background's at
+    // its (380, 100) and the button's at its (10, 20); light and dark pictures differ in both.
+    std::pair<POINT, DWORD> probes[2];
   } faces[] = {
       {ClientState::kSignedOut, 759, 800, 0, {317, 380, 441, 420}, {}, false, L"login|from_shell"},
-      {ClientState::kSignedOut, 760, 414, 0, {318, 374, 442, 414}, {0, 0, 760, 414}, true, L"login|from_shell"},
-      {ClientState::kSignedOut, 1001, 601, 0, {438, 467, 562, 507}, {120, 93, 880, 507}, false, L"login|from_shell"},
+      {ClientState::kSignedOut, 760, 414, 0, {318, 374, 442, 414}, {0, 0, 760, 414}, true, L"login|from_shell",
+       {{{380, 100}, 0x5DBCF3}, {{328, 394}, 0x4CC2FF}}},
+      {ClientState::kSignedOut, 1001, 601, 0, {438, 467, 562, 507}, {120, 93, 880, 507}, false, L"login|from_shell",
+       {{{500, 193}, 0x449FEA}, {{448, 487}, 0x0067C0}}},
       {ClientState::kSignedInNoSync, 900, 900, 2, {13, 645, 887, 889}, {13, 10, 887, 889}, true, L"syncdisk|open"},
       {ClientState::kSignedInNoSync, 873, 900, 1, {218, 551, 655, 673}, {218, 226, 655, 673}, false, L"syncdisk|open"},
       {ClientState::kSignedInNoSync, 436, 900, 3, {140, 430, 297, 470}, {}, true, L"syncdisk|open"},
@@ -170,6 +175,11 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
         if (pixels[static_cast<size_t>(y) * face.width + x] == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
         const POINT at{x, y};
         ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
+      }
+    }
+    for (const auto& [at, colour] : face.probes) {
+      if (colour != 0) {
+        EXPECT_EQ(pixels[static_cast<size_t>(at.y) * face.width + at.x], colour) << at.x << "," << at.y;
       }
     }
     EXPECT_GT(inButton, 0u);
