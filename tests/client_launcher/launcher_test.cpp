@@ -109,8 +109,13 @@ TEST_F(Launcher, RenderersDoNotCountButASecondYoungMainProcessHoldsCommandsBack)
   EXPECT_EQ(GateLines()[0].num, 1);
 
   m_session.StartClient(L"--linger-ms=30000");
-  ASSERT_EQ(launchertest::WaitForRecords(m_session.ClientRecord(), 4).size(), 4u);
+  const auto four = launchertest::WaitForRecords(m_session.ClientRecord(), 4);
+  ASSERT_EQ(four.size(), 4u);
   EXPECT_EQ(count(recorded), std::make_pair(true, 2));
+  // The start time is the last match's in the snapshot's order: the newest process here, not the
+  // first main process (started well before it).
+  EXPECT_EQ(startTime, four[3].startMs);
+  EXPECT_LT(four[0].startMs, four[3].startMs);
   m_capture.Clear();
   EXPECT_FALSE(cx::canCommandExecute(recorded)) << "two main processes, the newest younger than eight seconds";
   EXPECT_EQ(cx::exeCloudCommandLine(L"syncdisk", L"open"), L"");
