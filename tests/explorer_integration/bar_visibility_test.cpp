@@ -17,6 +17,9 @@ void ExpectLaidOut(const BarState& state) {
   EXPECT_GT(state.barInView.bottom, 20);
   EXPECT_EQ(state.listInView.top, state.barInView.bottom);
   EXPECT_EQ(state.listInView.bottom, state.view.bottom);
+  // After moving the list the layout posts it a WM_SIZE of its new size.
+  EXPECT_EQ(std::make_pair(state.listPosted.cx, state.listPosted.cy),
+            std::make_pair(state.view.right, state.view.bottom - state.barInView.bottom));
 }
 
 void ExpectRestored(const BarState& state) {
@@ -26,6 +29,7 @@ void ExpectRestored(const BarState& state) {
   EXPECT_EQ(::GetParent(state.bar), state.frame) << "a hidden bar is parked under the frame";
   EXPECT_EQ(state.listInView.top, 0);
   EXPECT_EQ(state.listInView.bottom, state.view.bottom);
+  EXPECT_EQ(std::make_pair(state.listPosted.cx, state.listPosted.cy), std::make_pair(state.view.right, state.view.bottom));
 }
 
 TEST_F(ExplorerIntegration, BarFollowsTheSyncFolderByTheComparisonRule) {

@@ -94,6 +94,9 @@ BarState ExplorerIntegration::Bar(int id) {
   state.barInView = RectIn(state.bar, view);
   state.listInView = RectIn(list, view);
   ::GetClientRect(view, &state.view);
+  if (const auto posted = reinterpret_cast<ULONG_PTR>(::GetPropW(list, L"CorvanePostedSize"))) {
+    state.listPosted = SIZE{LOWORD(posted - 1), HIWORD(posted - 1)};
+  }
   return state;
 }
 
@@ -103,8 +106,13 @@ BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
       [&] {
         state = Bar(id);
         // Laid out as well, not merely the bar's visibility changed: the list below the bar, or the
-        // list back at the top of a view whose bar is hidden.
+        // list back at the top of a view whose bar is hidden,
+        // and the WM_SIZE the layout posts after the move handled.
         if (state.bar == nullptr || state.shown != shown) return false;
+        if (state.listPosted.cx != state.listInView.right - state.listInView.left ||
+            state.listPosted.cy != state.listInView.bottom - state.listInView.top) {
+          return false;
+        }
         return shown ? state.listInView.top == state.barInView.bottom : state.listInView.top == 0;
       },
       timeoutMs);

@@ -27,6 +27,7 @@ struct BarState {
   RECT barInView{};          // in the view window's client coordinates
   RECT listInView{};         // the DirectUIHWND file list, likewise
   RECT view{};               // the view window's client rectangle
+  SIZE listPosted{-1, -1};   // the last WM_SIZE posted to the list (not sent by a move), if any
 };
 
 class ExplorerIntegration : public ::testing::Test {

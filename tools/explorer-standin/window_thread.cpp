@@ -131,6 +131,11 @@ void WindowThread::Main() noexcept {
     if (SUCCEEDED(hr)) {
       MSG message;
       while (::GetMessageW(&message, nullptr, 0, 0) > 0) {
+        // A WM_SIZE that came through the queue (posted, not sent by a move) is noted on its window
+        // as the last posted size, so a test can tell the add-in's own post from the move's.
+        if (message.message == WM_SIZE) {
+          ::SetPropW(message.hwnd, L"CorvanePostedSize", reinterpret_cast<HANDLE>(static_cast<ULONG_PTR>(message.lParam) + 1));
+        }
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
       }
