@@ -12,16 +12,18 @@ setup:
 	@./scripts/setup.sh
 
 configure: setup
-	@[ -f $(BUILD)/build.ninja ] || cmake --preset $(PRESET)
+	@[ -f $(BUILD)/build.ninja ] && [ -f $(BUILD)/compile_commands.json ] || cmake --preset $(PRESET)
 
 build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Everything, through CTest, on a private headless display; the Wine server is stopped afterwards.
-# Then every fuzzer for a few seconds, natively.
+# Then every fuzzer for a few seconds, natively, and every source and test once through clang's
+# front end (syntax and warnings only) as a second compiler.
 test: build fuzz-build
 	./scripts/run-tests.sh $(BUILD) $(JOBS)
 	ctest --test-dir $(FUZZ_BUILD) -L short --output-on-failure -j $(JOBS)
+	./scripts/clang-syntax.py $(BUILD) $(JOBS)
 
 # The same DLL and tests built by clang for the mingw target, run under Wine: the second compiler.
 # Kept out of `make test` because a second full build would double CI's time.

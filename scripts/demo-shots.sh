@@ -86,6 +86,27 @@ shoot_prompt() {  # name width height login open_sync light|dark
   wait "$pid" || true
   echo "   $shots/$name.png"
 }
+# The bar and the prompt as a screen reader reads them (oleacc's client objects, one line per window).
+tree=$shots/accessible-tree.txt
+{
+  echo "The bar at 1400 px, light, zoom 1.0 (bar-host):"
+  (cd "$demo/shell" && run ./bar-host.exe --width=1400 --height=120 --x=0 --y=0 --zoom=1.0 --seconds=3 \
+      --accessible-tree="$(winpath "$tree.bar")" >/dev/null 2>&1) || true
+  cat "$tree.bar" 2>/dev/null || echo "(not written)"
+  for state in "signed out:0:0" "signed in, sync off:1:0"; do
+    IFS=: read -r label login sync <<<"$state"
+    set_value bLogin "$login"
+    set_value bOpenSync "$sync"
+    echo
+    echo "The login prompt, $label, 900 x 600, light (namespace host):"
+    (cd "$demo/shell/namespace-host" && run ./explorer.exe --width=900 --height=600 --seconds=1 \
+        --accessible-tree="$(winpath "$tree.prompt")" >/dev/null 2>&1) || true
+    cat "$tree.prompt" 2>/dev/null || echo "(not written)"
+  done
+} > "$tree"
+rm -f "$tree.bar" "$tree.prompt"
+echo "   $tree"
+
 for theme in light dark; do
   shoot_prompt "prompt-signed-out-900x600-$theme" 900 600 0 0 "$theme"
   shoot_prompt "prompt-no-sync-900x900-$theme" 900 900 1 0 "$theme"

@@ -93,10 +93,12 @@ LRESULT CDiskCapacityWnd::OnCreate(UINT, WPARAM, LPARAM, bool&) {
   m_captionExpand.text = m_strExpandText;
   RenderTextToPng(m_captionExpand, bar::SkinPath(m_strModuleFolder, kExpandPng));
   SetAllImages(m_btnExpand, kExpandPng);
+  m_btnExpand.SetAccessibleName(m_strExpandText);
 
   m_captionCombined.text = L"0B/0B";
   RenderTextToPng(m_captionCombined, bar::SkinPath(m_strModuleFolder, kCombinedPng));
   SetAllImages(m_btnText, kCombinedPng);
+  m_btnText.SetAccessibleName(m_captionCombined.text);
   m_captionUsed.text = L"0B";
   m_captionTotal.text = L"/0B";
 
@@ -133,6 +135,9 @@ void CDiskCapacityWnd::Refresh() {
 
   RenderTextToPng(m_captionExpand, bar::SkinPath(m_strModuleFolder, kExpandPng));
   SetAllImages(m_btnExpand, kExpandPng);
+  m_btnExpand.SetAccessibleName(m_captionExpand.text);
+  // Named after the figures it shows; a change is announced to screen readers.
+  m_btnText.SetAccessibleName(m_captionCombined.text);
   RenderTextToPng(m_captionCombined, bar::SkinPath(m_strModuleFolder, kCombinedPng));
   RenderTextToPng(m_captionUsed, bar::SkinPath(m_strModuleFolder, kUsedPng));
   RenderTextToPng(m_captionTotal, bar::SkinPath(m_strModuleFolder, kTotalPng));

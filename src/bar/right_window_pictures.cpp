@@ -80,6 +80,10 @@ void CRightWindow::BuildPictures() {
   BuildFamily(m_captionSyncProgress, L"tb", L"tb", kSyncProgressText);
   m_captionSettings.text = L"设置";
   BuildFamily(m_captionSettings, L"set", L"setting", kSettingsText);
+  // Each button's picture carries its label: screen readers are told the same words.
+  m_btnSyncProgress.SetAccessibleName(m_captionSyncProgress.text);
+  m_btnSettings.SetAccessibleName(m_captionSettings.text);
+  m_btnZhishiku.SetAccessibleName(m_captionZhishiku.text);
 
   ApplyThemeImages();
 }

@@ -121,6 +121,7 @@ void CTitleWindow::RenderAdvertising() {
   RenderTextToPng(m_advertisingCaption, m_strModuleFolder + L"CorvaneSkin\\advertisingInfo.png");
   const std::wstring picture = L"CorvaneSkin\\advertisingInfo.png";
   m_btnAdvertising.SetImages(picture, picture, picture, picture);
+  m_btnAdvertising.SetAccessibleName(m_strAdvertisingTitle);
 }
 
 void CTitleWindow::ApplyLogoPath(const std::wstring& path) {
@@ -137,6 +138,8 @@ LRESULT CTitleWindow::OnCreate(UINT, WPARAM, LPARAM, bool&) {
   std::wstring user;
   regUtil::getCurrentUser(user);
   if (user.size() >= 11) m_strCurrentUser = user;
+  // The logo stands for the signed-in account: screen readers name it so.
+  m_btnLogo.SetAccessibleName(m_strCurrentUser);
 
   int unitWidth = 0, unitHeight = 0;
   m_pOwner->GetIconSize(unitWidth, unitHeight);

@@ -12,6 +12,8 @@ std::span<const CCustomButton::MessageEntry> CCustomButton::MessageMap() {
       {WM_MOUSELEAVE, &CCustomButton::OnMouseLeave},
       {WM_LBUTTONDOWN, &CCustomButton::OnLButtonDown},
       {WM_LBUTTONUP, &CCustomButton::OnLButtonUp},
+      // Beyond the rules: screen readers learn what the picture says and can press it.
+      {WM_GETOBJECT, &CCustomButton::OnGetObject},
   };
   return map;
 }
@@ -128,9 +130,17 @@ LRESULT CCustomButton::OnLButtonUp(UINT, WPARAM, LPARAM lParam, bool&) {
   RECT client{};
   ::GetClientRect(m_hWnd, &client);
   const POINT at{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
-  if (pressed && m_bEnabled && ::PtInRect(&client, at)) {
-    const int id = ::GetDlgCtrlID(m_hWnd);
-    ::SendMessageW(::GetParent(m_hWnd), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(m_hWnd));
-  }
+  if (pressed && m_bEnabled && ::PtInRect(&client, at)) PressLikeAClick();
   return 0;
+}
+
+void CCustomButton::PressLikeAClick() {
+  const int id = ::GetDlgCtrlID(m_hWnd);
+  ::SendMessageW(::GetParent(m_hWnd), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(m_hWnd));
+}
+
+LRESULT CCustomButton::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, bool& handled) {
+  const LRESULT result = m_accessibility.OnGetObject(m_hWnd, wParam, lParam);
+  handled = result != 0;
+  return result;
 }

@@ -10,8 +10,9 @@
 
 #include "platform/handles.h"
 #include "platform/window.h"
+#include "widgets/accessible_button.h"
 
-class CCustomButton final : public corvane::Window<CCustomButton> {
+class CCustomButton final : public corvane::Window<CCustomButton>, private accessibility::IButtonFace {
  public:
   static constexpr const wchar_t* kClassName = L"CorvaneCustomButton";
   static HCURSOR ClassCursor() noexcept { return ::LoadCursorW(nullptr, IDC_HAND); }
@@ -35,6 +36,8 @@ class CCustomButton final : public corvane::Window<CCustomButton> {
   // The face a paint would use now, after falling back from a face that has no picture.
   Face CurrentFace() const noexcept;
   const std::wstring& GetName() const noexcept { return m_strName; }
+  // What the picture says, for screen readers (the window text stays the placeholder name).
+  void SetAccessibleName(const std::wstring& name) { m_strAccessibleName = name; }
   bool IsHovered() const noexcept { return m_bHovered; }
 
  private:
@@ -44,6 +47,12 @@ class CCustomButton final : public corvane::Window<CCustomButton> {
   LRESULT OnMouseLeave(UINT, WPARAM, LPARAM, bool&);
   LRESULT OnLButtonDown(UINT, WPARAM, LPARAM, bool&);
   LRESULT OnLButtonUp(UINT, WPARAM, LPARAM lParam, bool&);
+  LRESULT OnGetObject(UINT, WPARAM wParam, LPARAM lParam, bool& handled);
+
+  std::wstring AccessibleName() const override { return m_strAccessibleName; }
+  bool IsAccessiblyHot() const override { return m_bHovered; }
+  bool IsAccessiblyPressed() const override { return m_bPressed; }
+  void PressLikeAClick() override;
 
   void Load(Face face, const std::wstring& path);
   void Repaint() noexcept;
@@ -57,4 +66,7 @@ class CCustomButton final : public corvane::Window<CCustomButton> {
   bool m_bEnabled = true;
   bool m_bHovered = false;
   bool m_bPressed = false;
+  std::wstring m_strAccessibleName;
+  // Last: the link to accessible objects is cut before anything they ask about goes.
+  accessibility::CButtonAccessibility m_accessibility{*this};
 };

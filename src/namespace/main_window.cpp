@@ -16,6 +16,7 @@ namespace {
 struct ButtonSetup {
   int id;
   const wchar_t* name;
+  const wchar_t* label;  // what the skin's picture says, for screen readers
   int width, height;
   const wchar_t* normal;
   const wchar_t* dark;
@@ -28,17 +29,17 @@ struct ButtonSetup {
 // Buttons 2 and 3 use their "_hover_dark" picture as the light disabled picture; that is the skin's
 // own pairing and it is kept.
 constexpr ButtonSetup kButtons[] = {
-    {CMainWindow::IDC_BTN_LOGIN, L"a001XXX", 124, 40, L"CorvaneSkin\\btn_login.png", L"CorvaneSkin\\btn_login_dark.png",
+    {CMainWindow::IDC_BTN_LOGIN, L"a001XXX", L"登录", 124, 40, L"CorvaneSkin\\btn_login.png", L"CorvaneSkin\\btn_login_dark.png",
      L"CorvaneSkin\\btn_login_hover.png", L"", L"CorvaneSkin\\btn_login_unable.png", L""},
-    {CMainWindow::IDC_BTN_SYNC, L"a002XXX", 437, 122, L"CorvaneSkin\\btn_setting.png",
+    {CMainWindow::IDC_BTN_SYNC, L"a002XXX", L"开启同步", 437, 122, L"CorvaneSkin\\btn_setting.png",
      L"CorvaneSkin\\btn_setting_dark.png", L"CorvaneSkin\\btn_setting_hover.png",
      L"CorvaneSkin\\btn_setting_hover_dark.png", L"CorvaneSkin\\btn_setting_hover_dark.png",
      L"CorvaneSkin\\btn_setting_unable_dark.png"},
-    {CMainWindow::IDC_BTN_SYNC, L"a003XXX", 874, 244, L"CorvaneSkin\\btn_settingX.png",
+    {CMainWindow::IDC_BTN_SYNC, L"a003XXX", L"开启同步", 874, 244, L"CorvaneSkin\\btn_settingX.png",
      L"CorvaneSkin\\btn_settingX_dark.png", L"CorvaneSkin\\btn_settingX_hover.png",
      L"CorvaneSkin\\btn_settingX_hover_dark.png", L"CorvaneSkin\\btn_settingX_hover_dark.png",
      L"CorvaneSkin\\btn_settingX_unable_dark.png"},
-    {CMainWindow::IDC_BTN_SYNC, L"a004XXX", 157, 40, L"CorvaneSkin\\btn_setting01.png",
+    {CMainWindow::IDC_BTN_SYNC, L"a004XXX", L"打开同步设置", 157, 40, L"CorvaneSkin\\btn_setting01.png",
      L"CorvaneSkin\\btn_setting01_dark.png", L"CorvaneSkin\\btn_setting01_hover.png", L"",
      L"CorvaneSkin\\btn_setting01_unable.png", L""},
 };
@@ -97,6 +98,7 @@ LRESULT CMainWindow::OnCreate(UINT, WPARAM, LPARAM, bool&) {
     RECT rect{0, 0, setup.width, setup.height};
     button.Create(m_hWnd, &rect, setup.name, WS_CHILD | WS_VISIBLE, 0, static_cast<UINT_PTR>(setup.id));
     button.SetName(setup.name);
+    button.SetAccessibleName(setup.label);
     button.SetSize(setup.width, setup.height);
     button.SetImages(setup.normal, setup.dark, setup.hover);
     button.SetHoverDarkImage(setup.hoverDark);

@@ -26,6 +26,8 @@ std::span<const CPngToolButton::MessageEntry> CPngToolButton::MessageMap() {
       {WM_ENABLE, &CPngToolButton::OnRepaintNeeded},
       {WM_ERASEBKGND, &CPngToolButton::OnEraseBkgnd},
       {WM_SETTINGCHANGE, &CPngToolButton::OnSettingChange},
+      // Beyond the rules: screen readers learn what the picture means and can press it.
+      {WM_GETOBJECT, &CPngToolButton::OnGetObject},
   };
   return map;
 }
@@ -169,8 +171,7 @@ LRESULT CPngToolButton::OnLButtonUp(UINT, WPARAM, LPARAM, bool&) {
   if (m_bPressed) {
     m_bPressed = false;
     Invalidate(FALSE);
-    const HWND self = m_hWnd;
-    ::SendMessageW(::GetParent(self), WM_COMMAND, static_cast<WPARAM>(::GetDlgCtrlID(self)), reinterpret_cast<LPARAM>(self));
+    PressLikeAClick();
   }
   return 0;
 }
@@ -213,4 +214,21 @@ LRESULT CPngToolButton::OnSettingChange(UINT, WPARAM, LPARAM lParam, bool&) {
     if (IsWindow()) Invalidate(FALSE);
   }
   return 0;
+}
+
+void CPngToolButton::PressLikeAClick() {
+  const HWND self = m_hWnd;
+  ::SendMessageW(::GetParent(self), WM_COMMAND, static_cast<WPARAM>(::GetDlgCtrlID(self)), reinterpret_cast<LPARAM>(self));
+}
+
+void CPngToolButton::SetAccessibleName(const std::wstring& name) {
+  if (name == m_strAccessibleName) return;
+  m_strAccessibleName = name;
+  accessibility::CButtonAccessibility::RaiseNameChange(m_hWnd);
+}
+
+LRESULT CPngToolButton::OnGetObject(UINT, WPARAM wParam, LPARAM lParam, bool& handled) {
+  const LRESULT result = m_accessibility.OnGetObject(m_hWnd, wParam, lParam);
+  handled = result != 0;
+  return result;
 }

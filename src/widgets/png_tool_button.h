@@ -10,10 +10,11 @@
 #include <string>
 
 #include "platform/handles.h"
+#include "widgets/accessible_button.h"
 #include "widgets/default_tool_button.h"
 #include "platform/gdiplus_headers.h"
 
-class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
+class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton>, private accessibility::IButtonFace {
  public:
   static constexpr const wchar_t* kClassName = L"CorvanePngToolButton";
   // The button sets the cursor itself on every mouse move; a class cursor would flicker against it.
@@ -41,6 +42,11 @@ class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
   void SetCaptionFont(const std::wstring& family, float emSize, INT style = Gdiplus::FontStyleRegular);
   void SetCaptionColors(Gdiplus::ARGB enabled, Gdiplus::ARGB disabled) noexcept;
 
+  // What the picture shows, for screen readers (the window text stays as the owner gives it). A
+  // different name is announced as a name change.
+  void SetAccessibleName(const std::wstring& name);
+  const std::wstring& GetAccessibleName() const noexcept { return m_strAccessibleName; }
+
   // The slot (0 to 3) that a paint would show now.
   int CurrentSlot() const noexcept;
   bool IsPressed() const noexcept { return m_bPressed; }
@@ -57,6 +63,12 @@ class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
   LRESULT OnRepaintNeeded(UINT, WPARAM, LPARAM, bool&);
   LRESULT OnEraseBkgnd(UINT, WPARAM, LPARAM, bool&) { return 1; }
   LRESULT OnSettingChange(UINT, WPARAM, LPARAM lParam, bool&);
+  LRESULT OnGetObject(UINT, WPARAM wParam, LPARAM lParam, bool&);
+
+  std::wstring AccessibleName() const override { return m_strAccessibleName; }
+  bool IsAccessiblyHot() const override { return m_bHovered; }
+  bool IsAccessiblyPressed() const override { return m_bPressed; }
+  void PressLikeAClick() override;
 
   void Paint(HDC dc);
   const Gdiplus::Font* CaptionFont();
@@ -83,4 +95,7 @@ class CPngToolButton final : public CDefaultToolButtonT<CPngToolButton> {
   std::unique_ptr<Gdiplus::Font> m_captionFont;
   Gdiplus::ARGB m_captionColor = 0xFF000000;
   Gdiplus::ARGB m_captionDisabledColor = 0xFF808080;
+  std::wstring m_strAccessibleName;
+  // Last: the link to accessible objects is cut before anything they ask about goes.
+  accessibility::CButtonAccessibility m_accessibility{*this};
 };

@@ -2,6 +2,10 @@
 // window handles and screen anchors the client needs to place its pop-ups.
 #include "bar_fixture.h"
 
+#include <tuple>
+
+#include "accessible_probe.h"
+
 #include <functional>
 
 #include "standin_session.h"
@@ -81,9 +85,44 @@ TEST_F(BarCommandTest, EveryHoverAndClickSendsItsCommand) {
   ASSERT_NE(Anchor(zhishiku), Anchor(settings));
   ExpectCommand("knowledge base click", [&] { Click(zhishiku); },
                 L"zhishiku|show|" + Anchor(settings) + L"|" + Number(zhishiku), L"CRightWindow::OnZhishikuClick");
-  for (const auto& [id, argument] : {std::pair{1001, L"sync_setting"}, std::pair{1002, L"sync_operate"}, std::pair{1003, L"ai_custom"}}) {
+  // A screen reader's "Press" is the same click, to the same command line.
+  ExpectCommand("knowledge base pressed through its accessible object",
+                [&] { EXPECT_EQ(testsupport::PressAccessibly(zhishiku), S_OK); },
+                L"zhishiku|show|" + Anchor(settings) + L"|" + Number(zhishiku), L"CRightWindow::OnZhishikuClick");
+
+  // Every picture button as a screen reader reads it: a push button named after what its picture
+  // shows, focusable and nothing else while idle, and "Press" as its default action.
+  const struct { const char* what; HWND window; std::wstring name; } buttons[] = {
+      {"logo", logo, kUser},
+      {"promotion", advertising, L"开通会员"},
+      {"capacity figures", capacity.GetTextButton().m_hWnd, L"0B/0B"},
+      {"expand", capacity.GetExpandButton().m_hWnd, L"扩容>"},
+      {"sync progress", right.GetSyncProgressButton().m_hWnd, L"同步进度"},
+      {"settings", settings, L"设置"},
+      {"knowledge base", zhishiku, L"AI工作台"},
+  };
+  for (const auto& button : buttons) {
+    const testsupport::Accessible seen = testsupport::AccessibleOf(button.window);
+    EXPECT_EQ(std::make_tuple(seen.found, seen.role, seen.name, seen.action),
+              std::make_tuple(true, static_cast<LONG>(ROLE_SYSTEM_PUSHBUTTON), button.name, std::wstring(L"Press")))
+        << button.what;
+    EXPECT_EQ(seen.state & (STATE_SYSTEM_UNAVAILABLE | STATE_SYSTEM_HOTTRACKED | STATE_SYSTEM_PRESSED), 0) << button.what;
+  }
+  // Disabled, hovered and held show in its state.
+  ::EnableWindow(zhishiku, FALSE);
+  EXPECT_EQ(testsupport::AccessibleOf(zhishiku).state & STATE_SYSTEM_UNAVAILABLE, STATE_SYSTEM_UNAVAILABLE);
+  ::EnableWindow(zhishiku, TRUE);
+  ::SendMessageW(zhishiku, WM_MOUSEMOVE, 0, MAKELPARAM(2, 2));
+  ::SendMessageW(zhishiku, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 2));
+  EXPECT_EQ(testsupport::AccessibleOf(zhishiku).state & (STATE_SYSTEM_HOTTRACKED | STATE_SYSTEM_PRESSED),
+            STATE_SYSTEM_HOTTRACKED | STATE_SYSTEM_PRESSED);
+  ::ReleaseCapture();
+  ::SendMessageW(zhishiku, WM_MOUSELEAVE, 0, 0);
+  for (const auto& item : {std::pair{1001, L"sync_setting"}, std::pair{1002, L"sync_operate"}, std::pair{1003, L"ai_custom"}}) {
+    // A structured binding is not captured by a lambda before C++20's P1091 fix, which clang 14 lacks.
+    const WPARAM id = static_cast<WPARAM>(item.first);
     ExpectCommand("settings menu", [&] { ::SendMessageW(hosted.Right(), WM_COMMAND, id, 0); },
-                  std::wstring(L"setting|") + argument, L"CRightWindow::onCommand");
+                  std::wstring(L"setting|") + item.second, L"CRightWindow::onCommand");
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <tuple>
 
+#include "accessible_probe.h"
 #include "widgets/image_helpers.h"
 
 namespace bartest {
@@ -41,6 +42,10 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
       {false, normalUsed, kSlate, kSlate, kSlate, kBlue, kBlue},
       {false, warnUsed, kRed, kRed, kSlate, kRed, kRed},
   };
+  // A screen reader hears the figures the text button shows, and one name change when they change
+  // from 0B/0B to 1.51GB/2GB (both used figures of the rows round to 1.51GB).
+  EXPECT_EQ(testsupport::AccessibleOf(capacity.GetTextButton().m_hWnd).name, L"0B/0B");
+  const testsupport::NameChangeCounter nameChanges(capacity.GetTextButton().m_hWnd);
   for (const auto& row : rows) {
     SetDarkTheme(row.dark);
     PublishSpace(2 * kGiB, row.used);
@@ -52,6 +57,9 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
     EXPECT_EQ(std::make_tuple(capacity.GetProgress().GetColor() & 0xFFFFFFu, capacity.GetProgress().GetPos(),
                               capacity.GetProgress().GetMax()), std::make_tuple(row.progress, 75, 100)) << name;
   }
+  Pump();
+  EXPECT_EQ(nameChanges.Count(), 1);
+  EXPECT_EQ(testsupport::AccessibleOf(capacity.GetTextButton().m_hWnd).name, L"1.51GB/2GB");
 
   // Texts of the last row (light, a warning): each caption holds exactly the picture of its text at
   // 12 px; the join has the red used figure left and the slate "/total" drawn over its last 4 columns.

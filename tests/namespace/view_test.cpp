@@ -3,6 +3,8 @@
 // state, size and theme, what its buttons and a drop of folders send to the client (the Halvex.exe
 // stand-in records every command), and the step into the sync folder.
 #include <windows.h>
+
+#include <tuple>
 #include <wrl/client.h>
 
 #include <gtest/gtest.h>
@@ -12,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "accessible_probe.h"
 #include "../client_launcher/standin_session.h"
 #include "../client_registry/saved_value.h"
 #include "../explorer_standin/scratch_folder.h"
@@ -185,10 +188,20 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
     EXPECT_GT(inButton, 0u);
     EXPECT_EQ(inPicture > 0, !::IsRectEmpty(&face.background));
     EXPECT_EQ(elsewhere, 0u);
-    // A press and release inside the button, as the mouse delivers them.
+    // A screen reader reads the button as the words its picture shows.
+    const wchar_t* const labels[] = {L"登录", L"开启同步", L"开启同步", L"打开同步设置"};
+    const testsupport::Accessible seen = testsupport::AccessibleOf(Button(prompt, face.button));
+    EXPECT_EQ(std::make_tuple(seen.role, seen.name, seen.action),
+              std::make_tuple(static_cast<LONG>(ROLE_SYSTEM_PUSHBUTTON), std::wstring(labels[face.button]), std::wstring(L"Press")));
+    // A press and release inside the button, as the mouse delivers them; in the dark faces, a screen
+    // reader's "Press", which must send the same command.
     const size_t before = CommandCount();
-    ::SendMessageW(Button(prompt, face.button), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-    ::SendMessageW(Button(prompt, face.button), WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    if (face.dark) {
+      EXPECT_EQ(testsupport::PressAccessibly(Button(prompt, face.button)), S_OK);
+    } else {
+      ::SendMessageW(Button(prompt, face.button), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+      ::SendMessageW(Button(prompt, face.button), WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    }
     EXPECT_EQ(NextCommand(before), Command(face.fields));
   }
 }

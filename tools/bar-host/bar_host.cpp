@@ -5,6 +5,7 @@
 // publishes a sample state); the bar polls it once a second.
 //
 //   bar-host [--width=900] [--height=240] [--x=10] [--y=10] [--zoom=1.25] [--dark] [--seconds=N]
+//            [--accessible-tree=<file>]
 //
 // --zoom publishes the factor for the host's own window under the dpiZoom key, as the client's DPI
 // tool would, and removes it at exit. --dark switches the app theme to dark and puts the previous
@@ -18,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "accessible_tree.h"
 #include "host_window.h"
 #include "log/logger.h"
 #include "platform/gdiplus_session.h"
@@ -36,6 +38,7 @@ struct Options {
   std::wstring zoom;
   bool dark = false;
   unsigned seconds = 0;
+  std::wstring accessibleTree;  // a file to write the bar's accessible tree to, once it is laid out
 };
 
 bool ReadNumber(const wchar_t* argument, const wchar_t* name, long& value) {
@@ -64,6 +67,8 @@ std::optional<Options> ParseOptions(int argc, wchar_t** argv) {
       options.zoom = argument + 7;
     } else if (std::wcscmp(argument, L"--dark") == 0) {
       options.dark = true;
+    } else if (std::wcsncmp(argument, L"--accessible-tree=", 18) == 0) {
+      options.accessibleTree = argument + 18;
     } else {
       return std::nullopt;
     }
@@ -115,6 +120,17 @@ class PublishedZoom {
   std::wstring m_name;
 };
 
+void WriteUtf8(const std::wstring& path, const std::wstring& text) {
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(size > 0 ? size : 0), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), size, nullptr, nullptr);
+  const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return;
+  DWORD written = 0;
+  ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+  ::CloseHandle(file);
+}
+
 int Run(const Options& options) {
   const corvane::GdiplusSession gdiplus;
   if (!gdiplus.ok()) {
@@ -151,6 +167,7 @@ int Run(const Options& options) {
                   static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(host.Bar().m_hWnd)),
                   host.GetBarHeight(), host.Bar().GetRightWindow().GetWidth());
       std::fflush(stdout);
+      if (!options.accessibleTree.empty()) WriteUtf8(options.accessibleTree, AccessibleTree(host.Bar().m_hWnd));
     }
   }
   return 0;
@@ -161,7 +178,8 @@ int Run(const Options& options) {
 int wmain(int argc, wchar_t** argv) {
   const std::optional<Options> options = ParseOptions(argc, argv);
   if (!options) {
-    std::fputs("usage: bar-host [--width=900] [--height=240] [--x=10] [--y=10] [--zoom=1.25] [--dark] [--seconds=N]\n",
+    std::fputs("usage: bar-host [--width=900] [--height=240] [--x=10] [--y=10] [--zoom=1.25] [--dark] [--seconds=N]"
+               " [--accessible-tree=<file>]\n",
                stderr);
     return 2;
   }

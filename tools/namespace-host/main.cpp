@@ -4,7 +4,10 @@
 // shows whatever client state and app theme the registry holds.
 //
 //   explorer.exe [--width=900] [--height=600] [--seconds=N] [--folder1] [--dll=path]
+//                [--accessible-tree=<file>]
 //
+// --accessible-tree writes the view's accessible tree (as oleacc gives it) to the file once the
+// prompt has been laid out.
 // --folder1 opens the navigation-pane class instead of the This PC one. Every BrowseObject the view
 // asks for is printed as "BrowseObject=<path>|<flags>" when the host closes.
 #include <windows.h>
@@ -14,6 +17,7 @@
 #include <cwchar>
 #include <string>
 
+#include "accessible_tree.h"
 #include "corvane_h.h"
 #include "namespace_host.h"
 #include "platform/module_path.h"
@@ -40,6 +44,7 @@ std::string Utf8(const std::wstring& text) {
 int wmain(int argc, wchar_t** argv) {
   long width = 900, height = 600, seconds = 0;
   bool folder1 = false;
+  std::wstring treeFile;
   std::wstring folder = corvane::ThisModuleFolder();
   folder.pop_back();
   std::wstring dll = folder.substr(0, folder.rfind(L'\\') + 1) + L"Corvane.dll";
@@ -55,8 +60,11 @@ int wmain(int argc, wchar_t** argv) {
       folder1 = true;
     } else if (std::wcsncmp(argv[i], L"--dll=", 6) == 0) {
       dll = argv[i] + 6;
+    } else if (std::wcsncmp(argv[i], L"--accessible-tree=", 18) == 0) {
+      treeFile = argv[i] + 18;
     } else {
-      std::fprintf(stderr, "usage: explorer.exe [--width=N] [--height=N] [--seconds=N] [--folder1] [--dll=path]\n");
+      std::fprintf(stderr, "usage: explorer.exe [--width=N] [--height=N] [--seconds=N] [--folder1] [--dll=path]"
+                           " [--accessible-tree=file]\n");
       return 2;
     }
   }
@@ -68,6 +76,14 @@ int wmain(int argc, wchar_t** argv) {
     if (SUCCEEDED(hr)) hr = host.OpenView(static_cast<int>(width), static_cast<int>(height));
     std::printf("open=0x%08lX\n", static_cast<unsigned long>(hr));
     if (SUCCEEDED(hr)) {
+      if (!treeFile.empty()) {
+        nshost::PumpFor(500);
+        const std::string tree = Utf8(AccessibleTree(host.Frame()));
+        if (FILE* out = _wfopen(treeFile.c_str(), L"wb")) {
+          std::fwrite(tree.data(), 1, tree.size(), out);
+          std::fclose(out);
+        }
+      }
       if (seconds > 0) {
         nshost::PumpFor(static_cast<DWORD>(seconds) * 1000);
       } else {

@@ -1,0 +1,61 @@
+#include "accessible_tree.h"
+
+#include <oleacc.h>
+#include <wrl/client.h>
+
+namespace {
+
+std::wstring Line(HWND window, int depth) {
+  Microsoft::WRL::ComPtr<IAccessible> object;
+  if (FAILED(::AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_PPV_ARGS(&object))) || !object) {
+    return std::wstring(static_cast<size_t>(depth) * 2, L' ') + L"(no accessible object)\n";
+  }
+  VARIANT self{};
+  self.vt = VT_I4;
+  self.lVal = CHILDID_SELF;
+  VARIANT value{};
+  std::wstring role = L"?";
+  if (SUCCEEDED(object->get_accRole(self, &value)) && value.vt == VT_I4) {
+    wchar_t text[64] = {};
+    ::GetRoleTextW(static_cast<DWORD>(value.lVal), text, 64);
+    role = text;
+  }
+  ::VariantClear(&value);
+  std::wstring states;
+  if (SUCCEEDED(object->get_accState(self, &value)) && value.vt == VT_I4) {
+    for (DWORD bit = 1; bit != 0 && bit <= static_cast<DWORD>(STATE_SYSTEM_VALID); bit <<= 1) {
+      if ((static_cast<DWORD>(value.lVal) & bit) == 0) continue;
+      wchar_t text[64] = {};
+      ::GetStateTextW(bit, text, 64);
+      states += (states.empty() ? L"" : L", ") + std::wstring(text);
+    }
+  }
+  ::VariantClear(&value);
+  BSTR name = nullptr, action = nullptr;
+  std::wstring shown = SUCCEEDED(object->get_accName(self, &name)) && name != nullptr ? name : L"";
+  std::wstring press = SUCCEEDED(object->get_accDefaultAction(self, &action)) && action != nullptr ? action : L"";
+  ::SysFreeString(name);
+  ::SysFreeString(action);
+  wchar_t className[64] = {};
+  ::GetClassNameW(window, className, 64);
+  std::wstring line = std::wstring(static_cast<size_t>(depth) * 2, L' ') + role + L"  \"" + shown + L"\"  [" +
+                      (states.empty() ? L"normal" : states) + L"]";
+  if (!press.empty()) line += L"  default action: " + press;
+  return line + L"  (" + className + L")\n";
+}
+
+void Walk(HWND parent, int depth, std::wstring& tree) {
+  for (HWND child = ::GetWindow(parent, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
+    if (!::IsWindowVisible(child)) continue;
+    tree += Line(child, depth);
+    Walk(child, depth + 1, tree);
+  }
+}
+
+}  // namespace
+
+std::wstring AccessibleTree(HWND root) {
+  std::wstring tree = Line(root, 0);
+  Walk(root, 1, tree);
+  return tree;
+}
