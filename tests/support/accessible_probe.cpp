@@ -20,8 +20,16 @@ VARIANT Self() {
   return self;
 }
 
-std::wstring Take(BSTR text) {
-  std::wstring value = text != nullptr ? std::wstring(text, ::SysStringLen(text)) : std::wstring();
+// A number or a text the object answers for itself; 0 or "" when it does not.
+LONG Number(HRESULT (STDMETHODCALLTYPE IAccessible::*ask)(VARIANT, VARIANT*), IAccessible* object) {
+  VARIANT value{};
+  const LONG number = SUCCEEDED((object->*ask)(Self(), &value)) && value.vt == VT_I4 ? value.lVal : 0;
+  ::VariantClear(&value);
+  return number;
+}
+std::wstring Text(HRESULT (STDMETHODCALLTYPE IAccessible::*ask)(VARIANT, BSTR*), IAccessible* object) {
+  BSTR text = nullptr;
+  const std::wstring value = SUCCEEDED((object->*ask)(Self(), &text)) && text != nullptr ? text : L"";
   ::SysFreeString(text);
   return value;
 }
@@ -29,29 +37,17 @@ std::wstring Take(BSTR text) {
 HWND g_watched = nullptr;
 int g_nameChanges = 0;
 
-void CALLBACK OnEvent(HWINEVENTHOOK, DWORD event, HWND window, LONG object, LONG child, DWORD, DWORD) {
-  if (event == EVENT_OBJECT_NAMECHANGE && window == g_watched && object == OBJID_CLIENT && child == CHILDID_SELF) {
-    ++g_nameChanges;
-  }
+void CALLBACK OnEvent(HWINEVENTHOOK, DWORD, HWND window, LONG object, LONG child, DWORD, DWORD) {
+  if (window == g_watched && object == OBJID_CLIENT && child == CHILDID_SELF) ++g_nameChanges;
 }
 
 }  // namespace
 
 Accessible AccessibleOf(HWND window) {
-  Accessible seen;
   const auto object = ObjectOf(window);
-  if (!object) return seen;
-  seen.found = true;
-  VARIANT value{};
-  if (SUCCEEDED(object->get_accRole(Self(), &value)) && value.vt == VT_I4) seen.role = value.lVal;
-  ::VariantClear(&value);
-  if (SUCCEEDED(object->get_accState(Self(), &value)) && value.vt == VT_I4) seen.state = value.lVal;
-  ::VariantClear(&value);
-  BSTR text = nullptr;
-  if (SUCCEEDED(object->get_accName(Self(), &text))) seen.name = Take(text);
-  text = nullptr;
-  if (SUCCEEDED(object->get_accDefaultAction(Self(), &text))) seen.action = Take(text);
-  return seen;
+  if (!object) return {};
+  return Accessible{true, Number(&IAccessible::get_accRole, object.Get()), Text(&IAccessible::get_accName, object.Get()),
+                    Number(&IAccessible::get_accState, object.Get()), Text(&IAccessible::get_accDefaultAction, object.Get())};
 }
 
 HRESULT PressAccessibly(HWND window) {
