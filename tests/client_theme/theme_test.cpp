@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "../client_registry/saved_value.h"
 #include "client/theme.h"
 
@@ -24,6 +26,22 @@ TEST(ThemeSetting, DarkOnlyForTheDwordZero) {
     value.Remove();
     ASSERT_TRUE(c.data == nullptr || value.Write(c.type, c.data, c.size));
     EXPECT_EQ(theme::IsDarkTheme(), c.dark) << "row " << (&c - cases);
+  }
+}
+
+// The tool buttons' palette by state, light and dark (state 7 stands for any other state).
+TEST(ThemePalette, ToolButtonColoursByStateAndTheme) {
+  const struct { int state; COLORREF lightBack, darkBack, lightText, darkText; } rows[] = {
+      {0, RGB(255, 255, 255), RGB(51, 51, 51), RGB(18, 33, 51), RGB(255, 255, 255)},
+      {1, RGB(229, 243, 255), RGB(77, 77, 77), RGB(18, 33, 51), RGB(255, 255, 255)},
+      {2, RGB(205, 232, 255), RGB(102, 102, 102), RGB(18, 33, 51), RGB(255, 255, 255)},
+      {3, RGB(247, 250, 252), RGB(40, 40, 40), RGB(128, 128, 128), RGB(128, 128, 128)},
+      {7, RGB(255, 255, 255), RGB(51, 51, 51), RGB(18, 33, 51), RGB(255, 255, 255)},
+  };
+  for (const auto& r : rows) {
+    EXPECT_EQ(std::make_tuple(theme::ToolButtonBackground(false, r.state), theme::ToolButtonBackground(true, r.state),
+                              theme::ToolButtonText(false, r.state), theme::ToolButtonText(true, r.state)),
+              std::make_tuple(r.lightBack, r.darkBack, r.lightText, r.darkText)) << "state " << r.state;
   }
 }
 
