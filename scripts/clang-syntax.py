@@ -20,7 +20,7 @@ from concurrent.futures import ThreadPoolExecutor
 TRIPLE = "x86_64-w64-mingw32"
 
 
-def clang_command(entry, root, runtime):
+def clang_command(entry, runtime):
     args = entry.get("arguments") or shlex.split(entry["command"])
     kept = []
     skip_next = False
@@ -60,7 +60,7 @@ def main():
             unique.append(e)
 
     def run(entry):
-        result = subprocess.run(clang_command(entry, root, runtimes[-1]), cwd=entry["directory"],
+        result = subprocess.run(clang_command(entry, runtimes[-1]), cwd=entry["directory"],
                                 capture_output=True, text=True)
         return entry["file"], result.returncode, result.stderr
 

@@ -14,8 +14,10 @@ LRESULT CTitleWindow::OnTimer(UINT, WPARAM wParam, LPARAM, bool&) {
 
   std::wstring user;
   regUtil::getCurrentUser(user);
-  if (user.size() >= 11 && user != m_strCurrentUser) m_strCurrentUser = user;
-  m_btnLogo.SetAccessibleName(m_strCurrentUser);
+  if (user.size() >= 11 && user != m_strCurrentUser) {
+    m_strCurrentUser = user;
+    m_btnLogo.SetAccessibleName(m_strCurrentUser);
+  }
 
   std::wstring logo = kDefaultLogo;
   regUtil::getLogoPath(logo);

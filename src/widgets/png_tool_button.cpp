@@ -52,9 +52,12 @@ bool CPngToolButton::SetImages(const std::wstring& normal, const std::wstring& h
   for (size_t slot = 0; slot < m_hImages.size(); ++slot) {
     size_t same = 0;
     while (same < slot && m_strImagePaths[same] != m_strImagePaths[slot]) ++same;
+    // A twin that failed only for memory or GDI is tried again here; one that failed for good is
+    // copied as it is (empty), so a missing file is not opened four times.
     m_bRetryImage[slot] = false;
-    m_hImages[slot] = same < slot && m_hImages[same] ? imageutil::CopyPngBitmap(m_hImages[same].get())
-                                                     : imageutil::LoadPngBitmap(m_strImagePaths[slot], &m_bRetryImage[slot]);
+    m_hImages[slot] = same < slot && !m_bRetryImage[same]
+                          ? imageutil::CopyPngBitmap(m_hImages[same].get())
+                          : imageutil::LoadPngBitmap(m_strImagePaths[slot], &m_bRetryImage[slot]);
   }
   const SIZE size = imageutil::GetBitmapSize(m_hImages[kSlotNormal].get());
   m_nImageWidth = size.cx;

@@ -2,12 +2,10 @@
 // window handles and screen anchors the client needs to place its pop-ups.
 #include "bar_fixture.h"
 
+#include <functional>
 #include <tuple>
 
 #include "accessible_probe.h"
-
-#include <functional>
-
 #include "standin_session.h"
 
 namespace bartest {

@@ -3,6 +3,8 @@
 #include <oleacc.h>
 #include <wrl/client.h>
 
+#include "platform/handles.h"
+
 namespace {
 
 std::wstring Line(HWND window, int depth) {
@@ -58,4 +60,16 @@ std::wstring AccessibleTree(HWND root) {
   std::wstring tree = Line(root, 0);
   Walk(root, 1, tree);
   return tree;
+}
+
+bool WriteAccessibleTree(HWND root, const std::wstring& path) {
+  const std::wstring tree = AccessibleTree(root);
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, tree.data(), static_cast<int>(tree.size()), nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<size_t>(size > 0 ? size : 0), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, tree.data(), static_cast<int>(tree.size()), bytes.data(), size, nullptr, nullptr);
+  const corvane::unique_file file(
+      ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  DWORD written = 0;
+  return file && ::WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) &&
+         written == bytes.size();
 }

@@ -6,3 +6,5 @@
 #include <string>
 
 std::wstring AccessibleTree(HWND root);
+// The same, written to a file as UTF-8; false when the file cannot be written.
+bool WriteAccessibleTree(HWND root, const std::wstring& path);

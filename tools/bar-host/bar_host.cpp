@@ -120,17 +120,6 @@ class PublishedZoom {
   std::wstring m_name;
 };
 
-void WriteUtf8(const std::wstring& path, const std::wstring& text) {
-  const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr, nullptr);
-  std::string bytes(static_cast<size_t>(size > 0 ? size : 0), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(), size, nullptr, nullptr);
-  const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) return;
-  DWORD written = 0;
-  ::WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-  ::CloseHandle(file);
-}
-
 int Run(const Options& options) {
   const corvane::GdiplusSession gdiplus;
   if (!gdiplus.ok()) {
@@ -167,7 +156,7 @@ int Run(const Options& options) {
                   static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(host.Bar().m_hWnd)),
                   host.GetBarHeight(), host.Bar().GetRightWindow().GetWidth());
       std::fflush(stdout);
-      if (!options.accessibleTree.empty()) WriteUtf8(options.accessibleTree, AccessibleTree(host.Bar().m_hWnd));
+      if (!options.accessibleTree.empty()) WriteAccessibleTree(host.Bar().m_hWnd, options.accessibleTree);
     }
   }
   return 0;

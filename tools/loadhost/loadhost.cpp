@@ -15,6 +15,7 @@
 // 1 bad usage.
 #include <windows.h>
 #include <unknwn.h>
+#include <wrl/client.h>
 
 #include <cstdio>
 #include <string>
@@ -131,10 +132,10 @@ int wmain(int argc, wchar_t** argv) {
   const HRESULT classResult = getClassObject(kUnknownClsid, IID_IClassFactory, &object);
   Print("DllGetClassObject=" + Hex(classResult) + " object=" + (object == nullptr ? "null" : "set"));
   for (const ServedClass& served : kServedClasses) {
-    IClassFactory* factory = nullptr;
-    const HRESULT result = getClassObject(served.clsid, IID_IClassFactory, reinterpret_cast<void**>(&factory));
-    Print(std::string("class ") + served.name + "=" + Hex(result) + " object=" + (factory == nullptr ? "null" : "set"));
-    if (factory != nullptr) factory->Release();
+    Microsoft::WRL::ComPtr<IClassFactory> factory;
+    const HRESULT result =
+        getClassObject(served.clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.ReleaseAndGetAddressOf()));
+    Print(std::string("class ") + served.name + "=" + Hex(result) + " object=" + (factory ? "set" : "null"));
   }
   Print("DllCanUnloadNow=" + Hex(canUnloadNow()));
 

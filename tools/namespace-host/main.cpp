@@ -78,11 +78,7 @@ int wmain(int argc, wchar_t** argv) {
     if (SUCCEEDED(hr)) {
       if (!treeFile.empty()) {
         nshost::PumpFor(500);
-        const std::string tree = Utf8(AccessibleTree(host.Frame()));
-        if (FILE* out = _wfopen(treeFile.c_str(), L"wb")) {
-          std::fwrite(tree.data(), 1, tree.size(), out);
-          std::fclose(out);
-        }
+        WriteAccessibleTree(host.Frame(), treeFile);
       }
       if (seconds > 0) {
         nshost::PumpFor(static_cast<DWORD>(seconds) * 1000);
