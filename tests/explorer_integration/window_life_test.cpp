@@ -47,28 +47,35 @@ TEST_F(ExplorerIntegration, DpiToolStartsOnAttachOnBarCreationAndOnceAfterMoves)
   ASSERT_NE(id, 0);
   const HWND frame = m_explorer->Handle(id, L"frame");
   ASSERT_TRUE(WaitForBar(id, true).shown);
-  // With no sync path every check logs a round, so rounds can be counted; the DPI tool's start after
-  // a move does not depend on the folder.
-  Publish(L"1", L"1", L"");
-  const auto roundsPass = [&](size_t count) {
-    const size_t target = CountLog(Round(frame)) + count;
-    return WaitUntil([&] { return CountLog(Round(frame)) >= target; }, 5000);
+  // Inside the sync folder each check first asks the stand-in for the view, off the window thread:
+  // the count of those queries tells how many checks have run, and holding one holds its check just
+  // before it looks at the moves.
+  const auto queries = [&] {
+    const std::wstring reply = m_explorer->Command(L"viewqueries");
+    return reply.compare(0, 3, L"ok ") == 0 ? std::stol(reply.substr(3)) : -1L;
+  };
+  const auto checksPass = [&](long count) {
+    const long target = queries() + count;
+    return WaitUntil([&] { return queries() >= target; }, 5000);
   };
   // Attach and the bar's creation start it, each with the frame's handle; the frame's own first
-  // placement is a move and may add one at the next check, which two rounds have passed.
-  ASSERT_TRUE(roundsPass(2));
+  // placement is a move and may add one at the next check, which two checks have passed.
+  ASSERT_TRUE(checksPass(2));
   const size_t settled = DpiStartsFor(record, frame);
   EXPECT_GE(settled, 2u);
   EXPECT_LE(settled, 3u);
 
-  // Many moves between two checks, then a second burst later: one start for each burst.
+  // Many moves while one check is held, then a second burst later: one start for each burst.
   for (const int moves : {6, 2}) {
     const size_t before = DpiStartsFor(record, frame);
+    ASSERT_EQ(m_explorer->Command(L"viewdelay 10000"), L"ok");
+    ASSERT_EQ(m_explorer->Command(L"viewheld 5000"), L"ok 1");
     for (int i = 0; i < moves; ++i) {
       ASSERT_EQ(m_explorer->Command(L"move " + Id(id) + L" " + std::to_wstring(40 + 10 * i) + L" 60"), L"ok");
     }
+    ASSERT_EQ(m_explorer->Command(L"viewdelay 0"), L"ok");
     EXPECT_TRUE(WaitUntil([&] { return DpiStartsFor(record, frame) > before; }, 3000));
-    ASSERT_TRUE(roundsPass(2));
+    ASSERT_TRUE(checksPass(2));
     EXPECT_EQ(DpiStartsFor(record, frame), before + 1) << moves << " moves";
   }
 }

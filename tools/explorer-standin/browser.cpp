@@ -25,6 +25,7 @@ const VARIANT* Dereference(const VARIANT* value) {
 }
 
 std::atomic<DWORD> g_offThreadViewDelay{0};
+std::atomic<long> g_offThreadViewQueries{0};
 
 }  // namespace
 
@@ -149,29 +150,47 @@ HRESULT CBrowser::GetControlWindow(UINT id, HWND* window) {
   return S_OK;
 }
 
-void CBrowser::SetOffThreadViewDelay(DWORD milliseconds) noexcept { g_offThreadViewDelay = milliseconds; }
-
 namespace {
 // Set while an off-thread view query is being held, so a test can act inside the hold.
 HANDLE HeldEvent() noexcept {
   static const HANDLE event = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
   return event;
 }
+// Set by a delay of 0: a hold in progress ends at once instead of running out its time.
+HANDLE ReleaseEvent() noexcept {
+  static const HANDLE event = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  return event;
+}
 }  // namespace
+
+void CBrowser::SetOffThreadViewDelay(DWORD milliseconds) noexcept {
+  g_offThreadViewDelay = milliseconds;
+  if (ReleaseEvent() == nullptr) return;
+  if (milliseconds == 0) {
+    ::SetEvent(ReleaseEvent());
+  } else {
+    ::ResetEvent(ReleaseEvent());
+  }
+}
 
 bool CBrowser::WaitForHeldViewQuery(DWORD milliseconds) noexcept {
   return HeldEvent() != nullptr && ::WaitForSingleObject(HeldEvent(), milliseconds) == WAIT_OBJECT_0;
 }
 
+long CBrowser::OffThreadViewQueries() noexcept { return g_offThreadViewQueries.load(); }
+
 HRESULT CBrowser::QueryActiveShellView(IShellView** view) {
   if (view == nullptr) return E_POINTER;
   *view = nullptr;
-  // Waited out before the lock is taken, so the window thread itself is never held up by it.
-  const DWORD delay = g_offThreadViewDelay.load();
-  if (delay != 0 && ::GetWindowThreadProcessId(m_frame, nullptr) != ::GetCurrentThreadId()) {
-    ::SetEvent(HeldEvent());
-    ::Sleep(delay);
-    ::ResetEvent(HeldEvent());
+  if (::GetWindowThreadProcessId(m_frame, nullptr) != ::GetCurrentThreadId()) {
+    ++g_offThreadViewQueries;
+    // Waited out before the lock is taken, so the window thread itself is never held up by it.
+    const DWORD delay = g_offThreadViewDelay.load();
+    if (delay != 0 && HeldEvent() != nullptr && ReleaseEvent() != nullptr) {
+      ::SetEvent(HeldEvent());
+      ::WaitForSingleObject(ReleaseEvent(), delay);
+      ::ResetEvent(HeldEvent());
+    }
   }
   const ComPtr<CShellView> current = View();
   // Before the first navigation has completed there is no view, as in Explorer.

@@ -45,10 +45,13 @@ class CBrowser final
   // The window has closed: no view, no navigation, and sinks that were never unadvised are let go.
   void Shutdown() noexcept;
   // For every window of the process: QueryActiveShellView called from another thread than the
-  // window's waits this long first, as Explorer's does when the window thread is busy. 0 at start.
+  // window's waits this long first, as Explorer's does when the window thread is busy. 0 at start;
+  // setting 0 also ends a wait in progress.
   static void SetOffThreadViewDelay(DWORD milliseconds) noexcept;
   // True once an off-thread view query is being held (at once if one is), false after the time.
   static bool WaitForHeldViewQuery(DWORD milliseconds) noexcept;
+  // Off-thread view queries begun so far, in every window: a check has ended once the next began.
+  static long OffThreadViewQueries() noexcept;
 
   // IUnknown, for the interfaces of both bases.
   IFACEMETHODIMP QueryInterface(REFIID riid, void** ppv) override;

@@ -156,6 +156,7 @@ Reply CommandInterpreter::Execute(const std::wstring& line) {
     if (!ms || *ms < 0 || *ms > 10000) return Error(L"usage: viewheld <ms>");
     return Ok(CBrowser::WaitForHeldViewQuery(static_cast<DWORD>(*ms)) ? L"1" : L"0");
   }
+  if (command == L"viewqueries") return Ok(std::to_wstring(CBrowser::OffThreadViewQueries()));
   if (command == L"connections") {
     const ConnectionTally tally = CountedConnections();
     return Ok(std::to_wstring(tally.advised) + L" " + std::to_wstring(tally.unadvised) + L" " + std::to_wstring(tally.refused));

@@ -21,8 +21,10 @@
 //   sleep <ms>                         → ok
 //   canunload <dll name>               → ok <hresult>  DllCanUnloadNow of a loaded DLL, "ok unloaded" if none
 //   freeunused <id>                    → ok            CoFreeUnusedLibrariesEx(0, 0) on the window's thread
-//   viewdelay <ms>                     → ok            QueryActiveShellView off the window thread waits first
+//   viewdelay <ms>                     → ok            QueryActiveShellView off the window thread waits first;
+//                                                      0 also ends a wait in progress
 //   viewheld <ms>                      → ok 1|0        waits until such a query is being held (1), or the time passes
+//   viewqueries                        → ok <count>    such queries begun so far, held or not
 //   quit                               → ok            closes every window, then the process ends
 //
 // For post and send, lparam may be "pidl:<location>": a fresh absolute PIDL made in the stand-in.
