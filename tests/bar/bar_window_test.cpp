@@ -117,6 +117,9 @@ TEST_F(BarTest, ZoomChangePostsOneDisplayChangePair) {
       {L"Capacityt.png", false}, {L"tb_dt1.png", false}, {L"set_dt1.png", false}};
   std::map<std::wstring, LONG> unzoomed;
   for (const auto& [picture, zoomed] : captions) unzoomed[picture] = PictureSize(SkinFile(picture)).cy;
+  // The measuring caption and the promotion are drawn in the promotion's blue.
+  EXPECT_EQ(InkColours(SkinFile(L"detection.png")), std::set<std::uint32_t>{0x0091FF});
+  EXPECT_EQ(InkColours(SkinFile(L"advertisingInfo.png")), std::set<std::uint32_t>{0x0091FF});
 
   const struct {
     const wchar_t* published;  // null: the value is removed

@@ -45,6 +45,7 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
   // from 0B/0B to 1.51GB/2GB (both used figures of the rows round to 1.51GB).
   EXPECT_EQ(testsupport::AccessibleOf(capacity.GetTextButton().m_hWnd).name, L"0B/0B");
   const testsupport::NameChangeCounter nameChanges(capacity.GetTextButton().m_hWnd);
+  ::ShowWindow(hosted.owner.GetExplorerHwnd(), SW_SHOWNA);  // painted on screen, so it can be captured
   for (const auto& row : rows) {
     SetDarkTheme(row.dark);
     PublishSpace(2 * kGiB, row.used);
@@ -52,6 +53,11 @@ TEST_F(BarTest, CapacityColoursFollowThemeAndWarning) {
     const std::string name = std::string(row.dark ? "dark" : "light") + (row.used == warnUsed ? " warn" : " normal");
     EXPECT_EQ(std::make_tuple(ink(L"Capacity.png"), ink(L"Capacityu.png"), ink(L"Capacityt.png"), ink(L"Expand.png")),
               std::make_tuple(Inks{row.combined}, Inks{row.usedText}, Inks{row.totalText}, Inks{row.expand})) << name;
+    // The bar, the right group and this display each fill their background in the theme's colour.
+    for (const HWND window : {hosted.Bar(), hosted.Right(), capacity.m_hWnd}) {
+      const auto shot = CaptureClient(window);
+      EXPECT_TRUE(shot && shot->at(1, 20) == Opaque(row.dark ? RGB(32, 32, 32) : RGB(255, 255, 255))) << name;
+    }
     // 1548 or 1547 MiB of 2048, out of 100.
     EXPECT_EQ(std::make_tuple(capacity.GetProgress().GetColor() & 0xFFFFFFu, capacity.GetProgress().GetPos(),
                               capacity.GetProgress().GetMax()), std::make_tuple(row.progress, 75, 100)) << name;

@@ -37,7 +37,8 @@ TEST_F(BarTest, RightGroupPicturesFollowTheirLabelsAndTheTheme) {
   }
   // The labels' inks; the two light-theme ones differ by two in red.
   for (const auto& [name, ink] : {std::pair{L"tb_dt1.png", 0x122133u}, std::pair{L"set_dt1.png", 0x102133u},
-                                  std::pair{L"set_dt2.png", 0xFFFFFFu}, std::pair{L"tb_dt3.png", 0x0091FFu},
+                                  std::pair{L"tb_dt2.png", 0xFFFFFFu}, std::pair{L"set_dt2.png", 0xFFFFFFu},
+                                  std::pair{L"tb_dt3.png", 0x0091FFu}, std::pair{L"set_dt3.png", 0x0091FFu},
                                   std::pair{L"zsk_dt.png", 0x5C7EFFu}}) {
     EXPECT_EQ(InkColours(SkinFile(name)), std::set<std::uint32_t>{ink}) << logtest::Utf8(name);
   }
