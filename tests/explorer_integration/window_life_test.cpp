@@ -21,7 +21,9 @@ size_t DpiStartsFor(const std::wstring& record, HWND frame) {
 }
 
 // The line a folder check of this frame logs on every round while no sync path is published.
-std::wstring Round(HWND frame) { return L"HWND = " + Digits(frame) + L" call checkReadyLoginAndOpenSync return false."; }
+std::wstring Round(HWND frame) {
+  return L"ExplorerWindow HWND = " + Digits(frame) + L" call checkReadyLoginAndOpenSync return false.";
+}
 
 TEST_F(ExplorerIntegration, BrowseObjectNavigatesOnlyToFileSystemFolders) {
   const int id = m_explorer->Open(m_other);
@@ -39,6 +41,11 @@ TEST_F(ExplorerIntegration, BrowseObjectNavigatesOnlyToFileSystemFolders) {
   EXPECT_EQ(m_explorer->Command(send + L"0"), L"ok 0");
   ASSERT_EQ(m_explorer->Command(L"sync " + Id(id)), L"ok");
   EXPECT_EQ(m_explorer->Command(L"folder " + Id(id)), L"ok " + m_inside);
+  // Each request and its outcome logged once.
+  EXPECT_EQ(std::make_tuple(CountLog(L"ExplorerWindow OnBrowseObject() invoked!"),
+                            CountLog(L"Successfully navigated to path: " + m_inside), CountLog(L"Failed to get path from PIDL"),
+                            CountLog(L"Invalid PIDL or m_spWebBrowser2 is NULL")),
+            std::make_tuple(3u, 1u, 1u, 1u));
 }
 
 TEST_F(ExplorerIntegration, DpiToolStartsOnAttachOnBarCreationAndOnceAfterMoves) {
@@ -159,7 +166,7 @@ TEST_F(ExplorerIntegration, EachWindowHasItsOwnBarAndOnlyTheLastToCloseLetsTheMo
   // meets that check, and the new folder it then notes is logged after the detach began.
   ASSERT_EQ(m_explorer->Command(L"viewdelay 2000"), L"ok");
   ASSERT_EQ(Navigate(first, m_sibling), L"ok");
-  const std::wstring noted = L"HWND = " + Digits(firstBar.frame) + L" call GetCurrentFolderPath = ";
+  const std::wstring noted = L"ExplorerWindow HWND = " + Digits(firstBar.frame) + L" call GetCurrentFolderPath = ";
   ASSERT_TRUE(WaitUntil([&] { return CountLog(noted + m_sibling + L".") == 1; }, 8000));
   ASSERT_EQ(m_explorer->Command(L"viewheld 5000"), L"ok 1");
   ASSERT_EQ(Navigate(first, m_other), L"ok");
@@ -172,10 +179,14 @@ TEST_F(ExplorerIntegration, EachWindowHasItsOwnBarAndOnlyTheLastToCloseLetsTheMo
   EXPECT_TRUE(std::any_of(lines.rbegin(), detach, [&](const std::wstring& line) { return line.find(noted + m_other + L".") != line.npos; }))
       << "the close did not meet a running check";
 
-  // Each window detached once, in every step.
+  // Each window attached once and detached once, in every step. The detach logs the attach's
+  // wording, so that line comes twice per window.
   EXPECT_EQ(m_explorer->Command(L"windows"), L"ok");
   EXPECT_EQ(m_explorer->Command(L"connections"), L"ok 2 2 0");
-  for (const wchar_t* step : {L"ExplorerWindow UninstallExplorerHook() remove explorer WH_CBT hook!",
+  EXPECT_EQ(CountLog(L"ExplorerWindow OnExplorerAttach() invoked!"), 4u);
+  for (const wchar_t* step : {L"ExplorerWindow InstallExplorerHook() set explorer WH_CBT hook!",
+                              L"ExplorerWindow Subclass StatusBar...", L"CStatusBar subclass statusbar... ",
+                              L"ExplorerWindow UninstallExplorerHook() remove explorer WH_CBT hook!",
                               L"CTitleWindow::DestroyBarWnd() invoked", L"CTitleBarBHO OnQuit() invoked",
                               L"CTitleBarBHO SetSite(0000000000000000) invoked"}) {
     EXPECT_EQ(CountLog(step), 2u) << testing::PrintToString(std::wstring(step));
