@@ -21,6 +21,7 @@ using namespace widgettest;
 using registrytest::kUser;
 using registrytest::kUserKey;
 using registrytest::kZoomKey;
+using testsupport::SetText;
 constexpr std::uint64_t kMiB = 1024ULL * 1024, kGiB = 1024 * kMiB;
 
 // An IUnknown that only counts its references (the bar never asks it for an interface).

@@ -1,7 +1,6 @@
 #include "standin_session.h"
 
 #include <algorithm>
-#include <atomic>
 #include <bit>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +8,7 @@
 
 #include "core/launch_gate.h"
 #include "platform/module_path.h"
+#include "window_probe.h"
 
 namespace launchertest {
 
@@ -17,25 +17,13 @@ namespace {
 constexpr const wchar_t* kVariables[] = {L"HALVEX_STANDIN_RECORD", L"HALVEX_STANDIN_LINGER_MS",
                                          L"HALVEX_STANDIN_CHILDREN", L"SCALEMEND_STANDIN_RECORD"};
 
-// Polls every 20 ms until done() or timeoutMs; returns done()'s last answer.
-template <class Done>
-bool Poll(DWORD timeoutMs, Done done) {
-  for (const ULONGLONG deadline = ::GetTickCount64() + timeoutMs;; ::Sleep(20)) {
-    if (done()) return true;
-    if (::GetTickCount64() >= deadline) return false;
-  }
-}
-
 }  // namespace
 
 std::vector<StartRecord> ReadRecords(const std::wstring& path) {
   std::vector<StartRecord> records;
   std::ifstream file(std::filesystem::path(path), std::ios::binary);
   for (std::string line; std::getline(file, line);) {
-    std::wstring wide(line.size(), L'\0');
-    wide.resize(::MultiByteToWideChar(CP_UTF8, 0, line.data(), static_cast<int>(line.size()), wide.data(),
-                                      static_cast<int>(wide.size())));
-    std::wistringstream fields(wide);
+    std::wistringstream fields(logtest::Wide(line));
     StartRecord record;
     if (!(fields >> record.pid >> record.startMs) || fields.get() != L'\t' ||
         !std::getline(fields, record.show, L'\t') || !std::getline(fields, record.directory, L'\t') ||
@@ -49,7 +37,7 @@ std::vector<StartRecord> ReadRecords(const std::wstring& path) {
 
 std::vector<StartRecord> WaitForRecords(const std::wstring& path, size_t count, DWORD timeoutMs) {
   std::vector<StartRecord> records;
-  Poll(timeoutMs, [&] { return (records = ReadRecords(path)).size() >= count; });
+  testsupport::WaitUntil([&] { return (records = ReadRecords(path)).size() >= count; }, timeoutMs);
   return records;
 }
 
@@ -63,18 +51,10 @@ cx::CommandLineReader RecordedCommandLines(std::wstring path) {
 }
 
 bool WaitForNoClient(DWORD timeoutMs) {
-  return Poll(timeoutMs, [] { return !cx::IsProcessRunning(L"Halvex.exe"); });
+  return testsupport::WaitUntil([] { return !cx::IsProcessRunning(L"Halvex.exe"); }, timeoutMs);
 }
 
 StandinSession::StandinSession() {
-  static std::atomic<int> sessions{0};
-  const std::wstring name = L"corvane-launcher-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
-                           std::to_wstring(++sessions);
-  m_folder = (std::filesystem::temp_directory_path() / name).wstring() + L"\\";
-  std::filesystem::remove_all(m_folder);
-  std::filesystem::create_directories(m_folder);
-  m_clientRecord = m_folder + L"halvex-record.txt";
-  m_dpiRecord = m_folder + L"scalemend-record.txt";
   for (const wchar_t* name : kVariables) {
     wchar_t value[1024] = {};
     const DWORD length = ::GetEnvironmentVariableW(name, value, 1024);
@@ -104,19 +84,12 @@ StandinSession::~StandinSession() {
   for (const auto& [name, value] : m_savedEnvironment) {
     ::SetEnvironmentVariableW(name.c_str(), value.empty() ? nullptr : value.c_str());
   }
-  std::error_code ignored;
-  std::filesystem::remove_all(m_folder, ignored);
 }
 
 void StandinSession::StartClient(const std::wstring& arguments) {
   const std::wstring exe = corvane::ClientFolder() + L"Halvex.exe";
-  std::wstring commandLine = L"\"" + exe + L"\" --record=\"" + m_clientRecord + L"\" " + arguments;
-  STARTUPINFOW startup{sizeof(startup)};
-  PROCESS_INFORMATION info{};
-  if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info))
-    return;
-  const corvane::unique_handle thread(info.hThread);
-  m_started.emplace_back(info.hProcess);
+  const std::wstring commandLine = L"\"" + exe + L"\" --record=\"" + m_clientRecord + L"\" " + arguments;
+  m_started.push_back(testsupport::StartProcess(exe, commandLine));
 }
 
 }  // namespace launchertest

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "client/process.h"
+#include "log_files.h"
 #include "platform/handles.h"
 
 namespace launchertest {
@@ -43,7 +44,7 @@ class StandinSession {
   StandinSession(const StandinSession&) = delete;
   StandinSession& operator=(const StandinSession&) = delete;
 
-  const std::wstring& Folder() const { return m_folder; }
+  std::wstring Folder() const { return m_folder.Path() + L"\\"; }
   const std::wstring& ClientRecord() const { return m_clientRecord; }
   const std::wstring& DpiRecord() const { return m_dpiRecord; }
 
@@ -51,7 +52,8 @@ class StandinSession {
   void StartClient(const std::wstring& arguments);
 
  private:
-  std::wstring m_folder, m_clientRecord, m_dpiRecord;
+  logtest::TempFolder m_folder;
+  std::wstring m_clientRecord = Folder() + L"halvex-record.txt", m_dpiRecord = Folder() + L"scalemend-record.txt";
   std::vector<std::pair<std::wstring, std::wstring>> m_savedEnvironment;
   std::vector<corvane::unique_handle> m_started;
 };

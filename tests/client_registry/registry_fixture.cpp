@@ -16,14 +16,11 @@ void RegistryTest::TearDown() {
   DeleteHalvexTree();
 }
 
-std::vector<LogLine> RegistryTest::LogOf(const std::wstring& function) const {
-  const std::wstring location = L"[" + function + L"]";
-  std::vector<LogLine> found;
-  for (const auto& line : m_capture.Lines()) {
-    const auto at = line.find(location);
-    const auto tagEnd = line.find(L']');
-    if (at == std::wstring::npos || tagEnd == std::wstring::npos) continue;
-    found.push_back({line.substr(0, tagEnd + 1), line.substr(at + location.size())});
+std::vector<logtest::LogLine> RegistryTest::LogOf(const std::wstring& function) const {
+  std::vector<logtest::LogLine> found;
+  for (const std::wstring& text : m_capture.Lines()) {
+    logtest::LogLine line;
+    if (logtest::ParseLogLine(text, line) && line.function == function) found.push_back(line);
   }
   return found;
 }

@@ -38,18 +38,18 @@ const struct Reader {
   std::vector<std::wstring> values;
   Outcome (*call)();
 } kReaders[] = {
-    {L"regUtil::checkReadyLogin", L"[Info]", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); }},
-    {L"regUtil::checkReadyLoginNotOpenSync", L"[Info]", {L"bLogin", L"bOpenSync"},
+    {L"regUtil::checkReadyLogin", L"Info", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); }},
+    {L"regUtil::checkReadyLoginNotOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
      [] { return Result(regUtil::checkReadyLoginNotOpenSync(), L"", true); }},
-    {L"regUtil::checkReadyLoginAndOpenSync", L"[Info]", {L"bLogin", L"bOpenSync"},
+    {L"regUtil::checkReadyLoginAndOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
      Text<regUtil::checkReadyLoginAndOpenSync>},
-    {L"regUtil::getLogoPath", L"[Debug]", {L"userLogoPath"}, Text<regUtil::getLogoPath>},
-    {L"regUtil::getCloudSpace", L"[Info]", {L"totalSpace", L"usedSpace"}, [] {
+    {L"regUtil::getLogoPath", L"Debug", {L"userLogoPath"}, Text<regUtil::getLogoPath>},
+    {L"regUtil::getCloudSpace", L"Info", {L"totalSpace", L"usedSpace"}, [] {
        std::uint64_t total = 7, used = 8;
        const bool ok = regUtil::getCloudSpace(total, used);
        return Result(ok, std::to_wstring(total) + L"|" + std::to_wstring(used), total == 7 && used == 8);
      }},
-    {L"regUtil::getAdvertisingInfo", L"[Info]", {L"advertisingId", L"advertisingTitle"}, [] {
+    {L"regUtil::getAdvertisingInfo", L"Info", {L"advertisingId", L"advertisingTitle"}, [] {
        std::wstring id = L"-", title = L"-";
        const bool ok = regUtil::getAdvertisingInfo(id, title);
        return Result(ok, id + L"|" + title, id == L"-" && title == L"-");
@@ -94,7 +94,7 @@ TEST_F(Readers, EachMissingPieceFailsWithOneLineAtTheReadersLevel) {
       ClearLog();
       EXPECT_EQ(reader.call(), Outcome());
       std::wstring levels;
-      for (const LogLine& line : LogOf(reader.function)) levels += line.tag;
+      for (const logtest::LogLine& line : LogOf(reader.function)) levels += line.tag;
       EXPECT_EQ(levels, reader.level);
     }
   }

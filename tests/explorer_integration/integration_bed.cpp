@@ -4,24 +4,12 @@
 
 #include <algorithm>
 
-#include "client_keys.h"
-#include "client_state.h"
 #include "core/paths.h"
 #include "host_process.h"
-#include "log_files.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
 
 namespace integrationtest {
-
-namespace {
-
-bool WriteString(const std::wstring& key, const wchar_t* name, const std::wstring& value) {
-  return ::RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, REG_SZ, value.c_str(),
-                           static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS;
-}
-
-}  // namespace
 
 void ExplorerIntegration::SetUp() {
   testsupport::ClearClientState();
@@ -33,11 +21,10 @@ void ExplorerIntegration::SetUp() {
   m_clients = std::make_unique<launchertest::StandinSession>();
   ::SetEnvironmentVariableW(L"HALVEX_STANDIN_LINGER_MS", L"60000");
 
-  m_scratch = std::make_unique<standintest::ScratchFolder>();
-  m_sync = ShellPath(m_scratch->MakeFolder(L"Sync"));
-  m_sibling = ShellPath(m_scratch->MakeFolder(L"Sync2"));
-  m_inside = ShellPath(m_scratch->MakeFolder(L"Sync\\Inside"));
-  m_other = ShellPath(m_scratch->MakeFolder(L"Elsewhere"));
+  m_sync = ShellPath(m_scratch.MakeFolder(L"Sync"));
+  m_sibling = ShellPath(m_scratch.MakeFolder(L"Sync2"));
+  m_inside = ShellPath(m_scratch.MakeFolder(L"Sync\\Inside"));
+  m_other = ShellPath(m_scratch.MakeFolder(L"Elsewhere"));
   Publish(L"1", L"1", m_sync);
 
   // The helper object is registered as an installer registers it: Wine's regsvr32 on the built DLL
@@ -49,7 +36,7 @@ void ExplorerIntegration::SetUp() {
 
 void ExplorerIntegration::RestartExplorer() {
   ASSERT_TRUE(!m_explorer || m_explorer->Quit().has_value());
-  m_explorer = std::make_unique<standintest::StandinSession>(m_scratch->Root());
+  m_explorer = std::make_unique<standintest::StandinSession>(m_scratch.Path());
   ASSERT_TRUE(m_explorer->Connect()) << "the stand-in's channel did not appear";
 }
 
@@ -63,13 +50,6 @@ void ExplorerIntegration::TearDown() {
   EXPECT_TRUE(moduletest::Regsvr32(L"/s /u", m_dllFolder + L"Corvane.dll").finished);
   testsupport::ClearClientState();
   m_clients.reset();
-  m_scratch.reset();
-}
-
-void ExplorerIntegration::Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath) {
-  using namespace testsupport;
-  ASSERT_TRUE(WriteString(kClientKey, L"currentUser", kTestUser) && WriteString(kTestUserKey, L"bLogin", login) &&
-              WriteString(kTestUserKey, L"bOpenSync", openSync) && WriteString(kTestUserKey, L"syncPath", syncPath));
 }
 
 std::wstring ExplorerIntegration::ShellPath(const std::wstring& path) {
@@ -102,20 +82,15 @@ BarState ExplorerIntegration::Bar(int id) {
 
 BarState ExplorerIntegration::WaitForBar(int id, bool shown, DWORD timeoutMs) {
   BarState state;
-  WaitUntil(
-      [&] {
-        state = Bar(id);
-        // Laid out as well, not merely the bar's visibility changed: the list below the bar, or the
-        // list back at the top of a view whose bar is hidden,
-        // and the WM_SIZE the layout posts after the move handled.
-        if (state.bar == nullptr || state.shown != shown) return false;
-        if (state.listPosted.cx != state.listInView.right - state.listInView.left ||
-            state.listPosted.cy != state.listInView.bottom - state.listInView.top) {
-          return false;
-        }
-        return shown ? state.listInView.top == state.barInView.bottom : state.listInView.top == 0;
-      },
-      timeoutMs);
+  WaitUntil([&] {
+    state = Bar(id);
+    // Laid out as well, not merely the bar's visibility changed: the WM_SIZE the layout posts after
+    // the move handled, and the list below the bar, or back at the top of a view whose bar is hidden.
+    return state.bar != nullptr && state.shown == shown &&
+           state.listPosted.cx == state.listInView.right - state.listInView.left &&
+           state.listPosted.cy == state.listInView.bottom - state.listInView.top &&
+           state.listInView.top == (shown ? state.barInView.bottom : 0);
+  }, timeoutMs);
   return state;
 }
 

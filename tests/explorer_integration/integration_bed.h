@@ -13,8 +13,9 @@
 #include <vector>
 
 #include "../client_launcher/standin_session.h"
-#include "../explorer_standin/scratch_folder.h"
 #include "../explorer_standin/standin_session.h"
+#include "client_state.h"
+#include "log_files.h"
 #include "window_probe.h"
 
 namespace integrationtest {
@@ -38,7 +39,9 @@ class ExplorerIntegration : public ::testing::Test {
   // The client's state: signed in with sync on, or the given values; syncPath as the client writes it.
   // Written over in place, where testsupport::PublishClientState clears the key first: the windows
   // read these values every second while a test changes them, and must never meet them missing.
-  static void Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath);
+  static void Publish(const std::wstring& login, const std::wstring& openSync, const std::wstring& syncPath) {
+    testsupport::WriteClientState(login, openSync, syncPath);
+  }
 
   // A folder's path as the shell spells it (what the add-in reads back from a PIDL).
   static std::wstring ShellPath(const std::wstring& path);
@@ -62,7 +65,7 @@ class ExplorerIntegration : public ::testing::Test {
   // another (with its CorvaneSkin, and its client folder above it) before SetUp.
   std::wstring m_dllFolder;
   std::unique_ptr<launchertest::StandinSession> m_clients;
-  std::unique_ptr<standintest::ScratchFolder> m_scratch;
+  logtest::TempFolder m_scratch;
   std::unique_ptr<standintest::StandinSession> m_explorer;
   std::wstring m_sync;      // the sync folder, as the shell spells it, without a trailing backslash
   std::wstring m_sibling;   // <sync>2: begins with the sync folder's name

@@ -6,17 +6,11 @@
 
 #include "log_files.h"
 #include "platform/module_path.h"
+#include "window_probe.h"
 
 namespace standintest {
 
 namespace {
-
-std::wstring FromUtf8(const std::string& text) {
-  const int size = ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
-  std::wstring out(static_cast<size_t>(size > 0 ? size : 0), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
-  return out;
-}
 
 // What follows "ok " in the reply to a command that answers with a number; "0" and a failure of the
 // calling test for any other reply.
@@ -36,15 +30,8 @@ StandinSession::StandinSession(const std::wstring& folder) {
 
   // The test bed's explorer.exe, in a folder of its own beside this program's.
   const std::wstring exe = corvane::ClientFolder() + L"explorer\\explorer.exe";
-  std::wstring commandLine = L"\"" + exe + L"\" \"--pipe=" + m_pipeName + L"\" \"--log=" + m_log + L"\" --keep-running";
-  STARTUPINFOW startup{sizeof(startup)};
-  PROCESS_INFORMATION info{};
-  if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) {
-    ADD_FAILURE() << "CreateProcess " << testing::PrintToString(exe) << ": " << ::GetLastError();
-    return;
-  }
-  m_process.reset(info.hProcess);
-  ::CloseHandle(info.hThread);
+  m_process = testsupport::StartProcess(exe, L"\"" + exe + L"\" \"--pipe=" + m_pipeName + L"\" \"--log=" + m_log +
+                                                 L"\" --keep-running");
 }
 
 StandinSession::~StandinSession() {
@@ -56,15 +43,11 @@ StandinSession::~StandinSession() {
 }
 
 bool StandinSession::Connect() {
-  if (m_pipe) return true;
-  const ULONGLONG deadline = ::GetTickCount64() + 20000;
-  while (::GetTickCount64() < deadline) {
+  // Given up at once when the stand-in has ended.
+  return m_pipe || (testsupport::WaitUntil([&] {
     m_pipe.reset(::CreateFileW(m_pipeName.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    if (m_pipe) return true;
-    if (m_process && ::WaitForSingleObject(m_process.get(), 0) == WAIT_OBJECT_0) return false;
-    ::Sleep(50);
-  }
-  return false;
+    return m_pipe || (m_process && ::WaitForSingleObject(m_process.get(), 0) == WAIT_OBJECT_0);
+  }, 20000) && m_pipe);
 }
 
 std::wstring StandinSession::Command(const std::wstring& line) {
@@ -88,7 +71,7 @@ std::wstring StandinSession::Command(const std::wstring& line) {
       reply += c;
     }
   }
-  return FromUtf8(reply);
+  return logtest::Wide(reply);
 }
 
 int StandinSession::Open(const std::wstring& location) { return std::stoi(OkValue(*this, L"open " + location)); }
@@ -111,7 +94,7 @@ std::optional<DWORD> StandinSession::Quit() {
 
 std::wstring StandinSession::LogText() const {
   const std::vector<std::uint8_t> bytes = logtest::ReadBytes(m_log, true);
-  return FromUtf8(std::string(bytes.begin(), bytes.end()));
+  return logtest::Wide(std::string(bytes.begin(), bytes.end()));
 }
 
 }  // namespace standintest

@@ -88,7 +88,7 @@ class EnvironmentFault : public ExplorerIntegration {
     EXPECT_EQ(m_explorer->Command(L"close " + std::to_wstring(id)), L"ok");
   }
 
-  standintest::ScratchFolder m_install;
+  logtest::TempFolder m_install;
 };
 
 TEST_F(EnvironmentFault, WithoutTheClientEveryBarActionIsLoggedAndNothingStarts) {

@@ -10,7 +10,6 @@
 
 namespace {
 
-
 // Deletes the process-wide logger and its file however the test ends.
 struct GlobalLoggerCleanup {
   std::wstring file;
@@ -36,21 +35,19 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
   EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(path), L"Corvane", 1)) << testing::PrintToString(path);
 
   const std::wstring line = std::to_wstring(__LINE__); LOG_INFO(L"InitLoggerTest", L"client folder %s", L"ok");
-  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(path));
+  const std::vector<logtest::LogLine> lines = logtest::ReadLogLines(path);
   ASSERT_EQ(lines.size(), 1u);
-  logtest::LogLine parsed;
-  ASSERT_TRUE(logtest::ParseLogLine(lines[0], parsed)) << testing::PrintToString(lines[0]);
-  EXPECT_EQ(parsed.tag, L"Info");
-  EXPECT_EQ(parsed.file, L"init_logger_test.cpp") << "the macro shows the source file's own name";
-  EXPECT_EQ(parsed.line, line);
-  EXPECT_EQ(parsed.function, L"InitLoggerTest");
-  EXPECT_EQ(parsed.message, L"client folder ok");
+  EXPECT_EQ(lines[0].tag, L"Info");
+  EXPECT_EQ(lines[0].file, L"init_logger_test.cpp") << "the macro shows the source file's own name";
+  EXPECT_EQ(lines[0].line, line);
+  EXPECT_EQ(lines[0].function, L"InitLoggerTest");
+  EXPECT_EQ(lines[0].message, L"client folder ok");
 
   delete g_pLogger;
   g_pLogger = nullptr;
   LOG_INFO(L"InitLoggerTest", L"after deletion");
   LOG_DEBUG(L"InitLoggerTest", L"after deletion");
-  EXPECT_EQ(logtest::SplitCrLf(logtest::ReadUtf16(path)).size(), 1u);
+  EXPECT_EQ(logtest::ReadLines(path).size(), 1u);
 }
 
 TEST(LoggerFolder, AnEmptyFolderMeansTheProgramsOwnFolder) {

@@ -38,17 +38,15 @@ TEST(LoggerFailedOpen, DebuggerStillGetsLinesAndEachWriteRetriesALongerName) {
   EXPECT_EQ(third.substr(0, second.size()), second);
   EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(third), L"T", 3)) << testing::PrintToString(third);
   EXPECT_EQ(logtest::FilesIn(folder), std::vector<std::wstring>{logtest::FileNameOf(third)});
-  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(third));
+  const std::vector<logtest::LogLine> lines = logtest::ReadLogLines(third);
   ASSERT_EQ(lines.size(), 1u);
-  logtest::LogLine line;
-  ASSERT_TRUE(logtest::ParseLogLine(lines[0], line));
-  EXPECT_EQ(line.message, L"kept 2");
+  EXPECT_EQ(lines[0].message, L"kept 2");
   EXPECT_EQ(capture.LinesContaining(L"kept 2").size(), 1u);
 
   // Once open, the file stays: no more renaming.
   logger.Info(3, L"f.cpp", L"F", L"kept %d", 3);
   EXPECT_EQ(logger.Path(), third);
-  EXPECT_EQ(logtest::SplitCrLf(logtest::ReadUtf16(third)).size(), 2u);
+  EXPECT_EQ(logtest::ReadLines(third).size(), 2u);
 }
 
 }  // namespace

@@ -11,15 +11,7 @@ namespace {
 
 using logtest::LogLine;
 
-std::vector<LogLine> LinesOf(const LOGGER::CLogger& logger) {
-  std::vector<LogLine> out;
-  for (const std::wstring& text : logtest::SplitCrLf(logtest::ReadUtf16(logger.Path()))) {
-    LogLine line;
-    EXPECT_TRUE(logtest::ParseLogLine(text, line)) << testing::PrintToString(text);
-    out.push_back(line);
-  }
-  return out;
-}
+std::vector<LogLine> LinesOf(const LOGGER::CLogger& logger) { return logtest::ReadLogLines(logger.Path()); }
 
 TEST(LoggerFile, NameFolderAndTimeStamp) {
   logtest::TempFolder temp;

@@ -16,7 +16,7 @@ constexpr std::int64_t kLimit = 5242880;
 
 std::vector<std::wstring> Messages(const std::wstring& path) {
   std::vector<std::wstring> messages;
-  for (const auto& text : logtest::SplitCrLf(logtest::ReadUtf16(path))) {
+  for (const auto& text : logtest::ReadLines(path)) {
     logtest::LogLine line;
     messages.push_back(logtest::ParseLogLine(text, line) ? line.message : (text.empty() || text[0] != L'#' ? text : L"#"));
   }

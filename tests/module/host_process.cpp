@@ -4,8 +4,10 @@
 
 #include <sstream>
 
+#include "log_files.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
+#include "window_probe.h"
 
 namespace moduletest {
 
@@ -23,16 +25,9 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdOutput = writeEnd.get();
   startup.hStdError = writeEnd.get();
-  std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"";
-  if (!calls.empty()) commandLine += L" " + calls;
-  PROCESS_INFORMATION info{};
-  if (!::CreateProcessW(host.c_str(), commandLine.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr,
-                        &startup, &info)) {
-    ADD_FAILURE() << "CreateProcess " << testing::PrintToString(host) << ": " << ::GetLastError();
-    return run;
-  }
-  const corvane::unique_handle process(info.hProcess);
-  const corvane::unique_handle thread(info.hThread);
+  const std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"" + (calls.empty() ? L"" : L" " + calls);
+  const corvane::unique_handle process = testsupport::StartProcess(host, commandLine, startup, CREATE_NO_WINDOW);
+  if (!process) return run;
   // Only the child holds the write end now, so the pipe ends when it exits.
   writeEnd.reset();
 
@@ -55,9 +50,7 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
          ::ReadFile(readEnd.get(), buffer, sizeof buffer, &read, nullptr) && read > 0) {
     bytes.append(buffer, read);
   }
-  const int size = ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
-  run.output.resize(static_cast<size_t>(size > 0 ? size : 0));
-  ::MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), run.output.data(), size);
+  run.output = logtest::Wide(bytes);
   std::wistringstream lines(run.output);
   for (std::wstring line; std::getline(lines, line);) {
     if (const size_t equals = line.find(L'='); equals != std::wstring::npos) {

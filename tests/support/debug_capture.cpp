@@ -2,6 +2,8 @@
 
 #include <atomic>
 
+#include "log_files.h"
+
 #ifndef DBG_PRINTEXCEPTION_WIDE_C
 #define DBG_PRINTEXCEPTION_WIDE_C 0x4001000AL
 #endif
@@ -40,13 +42,8 @@ LONG CALLBACK DebugCapture::Handler(EXCEPTION_POINTERS* info) {
       // Unhandled, the system repeats a wide line as a narrow one; that copy is skipped below.
     } else if (record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_C)) {
       const auto* text = reinterpret_cast<const char*>(record->ExceptionInformation[1]);
-      const int length = static_cast<int>(record->ExceptionInformation[0]);
-      std::wstring line;
-      if (length > 1) {
-        const int wide = ::MultiByteToWideChar(CP_ACP, 0, text, length - 1, nullptr, 0);
-        line.resize(static_cast<size_t>(wide));
-        ::MultiByteToWideChar(CP_ACP, 0, text, length - 1, line.data(), wide);
-      }
+      const auto length = static_cast<size_t>(record->ExceptionInformation[0]);
+      std::wstring line = logtest::Wide(std::string_view(text, length > 0 ? length - 1 : 0), CP_ACP);
       std::lock_guard<std::mutex> lock(self->m_mutex);
       if (self->m_sawWide && !self->m_lines.empty() && self->m_lines.back() == line) {
         self->m_sawWide = false;

@@ -66,8 +66,7 @@ std::set<std::uint32_t> InkColours(const std::wstring& path, int from, int to) {
   const auto picture = ReadPicture(path);
   for (int y = 0; picture && y < picture->height; ++y) {
     for (int x = from; x < std::min(to, picture->width); ++x) {
-      const Argb p = picture->at(x, y);
-      if (p.a >= 128) colours.insert(std::uint32_t{p.r} << 16 | std::uint32_t{p.g} << 8 | p.b);
+      if (picture->at(x, y).a >= 128) colours.insert(Rgb(picture->at(x, y)));
     }
   }
   return colours;

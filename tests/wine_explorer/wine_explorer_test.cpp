@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "../explorer_standin/scratch_folder.h"
 #include "client_state.h"
 #include "host_process.h"
+#include "log_files.h"
 #include "platform/handles.h"
 #include "window_probe.h"
 
@@ -30,12 +30,7 @@ class WineExplorer {
     wchar_t windows[MAX_PATH] = {};
     ::GetWindowsDirectoryW(windows, MAX_PATH);
     const std::wstring exe = std::wstring(windows) + L"\\explorer.exe";
-    std::wstring commandLine = L"\"" + exe + L"\"";
-    STARTUPINFOW startup{sizeof startup};
-    PROCESS_INFORMATION info{};
-    if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
-    m_process.reset(info.hProcess);
-    const corvane::unique_handle thread(info.hThread);
+    m_process = testsupport::StartProcess(exe, L"\"" + exe + L"\"");
   }
   // Closes the window if it is still there, and makes sure the process is gone.
   ~WineExplorer() {
@@ -110,7 +105,7 @@ class WineExplorerTest : public testing::Test {
     ASSERT_TRUE(opened);
   }
 
-  standintest::ScratchFolder m_scratch;
+  logtest::TempFolder m_scratch;
   std::wstring m_syncFolder;
   std::unique_ptr<WineExplorer> m_explorer;
 };
