@@ -165,12 +165,11 @@ TEST_P(FolderTest, ViewsAttributesAndPanes) {
   ASSERT_EQ(m_folder.As(&panes), S_OK);
   const GUID ribbon = {0xd27524a8, 0xc9f2, 0x4834, {0xa1, 0x06, 0xdf, 0x88, 0x89, 0xfd, 0x4f, 0x37}};
   const GUID navigation = {0xcb316b22, 0x25f7, 0x42b8, {0x8a, 0x09, 0x54, 0x0d, 0x23, 0xa4, 0x3c, 0x2f}};
-  EXPLORERPANESTATE state = 0x77;
-  EXPECT_EQ(panes->GetPaneState(ribbon, &state), S_OK);
-  EXPECT_EQ(state, 0x20001u);
-  state = 0x77;
-  EXPECT_EQ(panes->GetPaneState(navigation, &state), S_OK);
-  EXPECT_EQ(state, 0x77u);
+  for (const auto& [pane, expected] : {std::pair{ribbon, 0x20001u}, std::pair{navigation, 0x77u}}) {
+    EXPLORERPANESTATE state = 0x77;
+    EXPECT_EQ(panes->GetPaneState(pane, &state), S_OK);
+    EXPECT_EQ(state, expected);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(BothClasses, FolderTest, ::testing::ValuesIn(kClasses),
