@@ -60,15 +60,13 @@ std::wstring ExplorerIntegration::ShellPath(const std::wstring& path) {
 }
 
 BarState ExplorerIntegration::Bar(int id) {
-  BarState state;
-  const HWND frame = m_explorer->Handle(id, L"frame");
+  BarState state{.frame = m_explorer->Handle(id, L"frame")};
   const HWND view = m_explorer->Handle(id, L"duiview");
   const HWND list = m_explorer->Handle(id, L"directui");
-  state.frame = frame;
   if (view == nullptr) return state;
   // Shown, the bar is a child of the view window; hidden, it is parked under the frame.
   state.bar = ::FindWindowExW(view, nullptr, L"CorvaneTitleWindow", nullptr);
-  if (state.bar == nullptr) state.bar = ::FindWindowExW(frame, nullptr, L"CorvaneTitleWindow", nullptr);
+  if (state.bar == nullptr) state.bar = ::FindWindowExW(state.frame, nullptr, L"CorvaneTitleWindow", nullptr);
   if (state.bar == nullptr) return state;
   state.shown = ::IsWindowVisible(state.bar) && ::GetParent(state.bar) == view;
   state.barInView = RectIn(state.bar, view);
@@ -107,9 +105,8 @@ std::vector<std::wstring> ExplorerIntegration::LogLines() const {
 }
 
 size_t ExplorerIntegration::CountLog(const std::wstring& text) const {
-  const std::vector<std::wstring> lines = LogLines();
   return static_cast<size_t>(
-      std::count_if(lines.begin(), lines.end(), [&](const std::wstring& line) { return line.find(text) != line.npos; }));
+      std::ranges::count_if(LogLines(), [&](const std::wstring& line) { return line.find(text) != line.npos; }));
 }
 
 std::wstring ExplorerIntegration::Navigate(int id, const std::wstring& location) {

@@ -3,6 +3,8 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "log/logger.h"
 #include "platform/module_path.h"
@@ -14,8 +16,7 @@ namespace {
 struct GlobalLoggerCleanup {
   std::wstring file;
   ~GlobalLoggerCleanup() {
-    delete g_pLogger;
-    g_pLogger = nullptr;
+    delete std::exchange(g_pLogger, nullptr);
     if (!file.empty()) ::DeleteFileW(file.c_str());
   }
 };
@@ -37,14 +38,11 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
   const std::wstring line = std::to_wstring(__LINE__); LOG_INFO(L"InitLoggerTest", L"client folder %s", L"ok");
   const std::vector<logtest::LogLine> lines = logtest::ReadLogLines(path);
   ASSERT_EQ(lines.size(), 1u);
-  EXPECT_EQ(lines[0].tag, L"Info");
-  EXPECT_EQ(lines[0].file, L"init_logger_test.cpp") << "the macro shows the source file's own name";
-  EXPECT_EQ(lines[0].line, line);
-  EXPECT_EQ(lines[0].function, L"InitLoggerTest");
-  EXPECT_EQ(lines[0].message, L"client folder ok");
+  // The macro shows the source file's own name, the line and the function.
+  EXPECT_EQ(std::tie(lines[0].tag, lines[0].file, lines[0].line, lines[0].function, lines[0].message),
+            std::make_tuple(L"Info", L"init_logger_test.cpp", line, L"InitLoggerTest", L"client folder ok"));
 
-  delete g_pLogger;
-  g_pLogger = nullptr;
+  delete std::exchange(g_pLogger, nullptr);
   LOG_INFO(L"InitLoggerTest", L"after deletion");
   LOG_DEBUG(L"InitLoggerTest", L"after deletion");
   EXPECT_EQ(logtest::ReadLines(path).size(), 1u);

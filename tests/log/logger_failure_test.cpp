@@ -2,6 +2,7 @@
 // the open under a longer name.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "debug_capture.h"
@@ -31,8 +32,7 @@ TEST(LoggerFailedOpen, DebuggerStillGetsLinesAndEachWriteRetriesALongerName) {
 
   // The folder becomes usable: the next line opens a file under the next, longer name.
   ASSERT_TRUE(::DeleteFileW(blocker.c_str()));
-  ASSERT_TRUE(::CreateDirectoryW(blocker.c_str(), nullptr));
-  ASSERT_TRUE(::CreateDirectoryW((blocker + L"\\s").c_str(), nullptr));
+  ASSERT_TRUE(std::filesystem::create_directories(blocker + L"\\s"));
   logger.Info(2, L"f.cpp", L"F", L"kept %d", 2);
   const std::wstring third = logger.Path();
   EXPECT_EQ(third.substr(0, second.size()), second);

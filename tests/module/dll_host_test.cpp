@@ -18,18 +18,15 @@ std::vector<std::wstring> LogOfHost(const std::wstring& folder, const std::vecto
                                     const std::wstring& hostPath) {
   std::vector<std::wstring> messages;
   for (const std::wstring& name : logtest::FilesIn(folder)) {
-    if (std::find(before.begin(), before.end(), name) != before.end()) continue;
+    const std::wstring path = folder + L"\\" + name;
     // Other programs' files come and go in the same folder.
-    const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(folder + L"\\" + name, true));
-    const auto namesHost = [&](const std::wstring& l) { return l.ends_with(L"]ower app = " + hostPath); };
-    if (std::none_of(lines.begin(), lines.end(), namesHost)) continue;
-    EXPECT_TRUE(messages.empty()) << "a second log file names the host";
-    for (const std::wstring& text : lines) {
-      logtest::LogLine line;
-      EXPECT_TRUE(logtest::ParseLogLine(text, line)) << testing::PrintToString(text);
-      messages.push_back(line.message);
+    if (std::find(before.begin(), before.end(), name) != before.end() ||
+        logtest::ReadUtf16(path, true).find(L"]ower app = " + hostPath + L"\r\n") == std::wstring::npos) {
+      continue;
     }
-    ::DeleteFileW((folder + L"\\" + name).c_str());
+    EXPECT_TRUE(messages.empty()) << "a second log file names the host";
+    for (const logtest::LogLine& line : logtest::ReadLogLines(path)) messages.push_back(line.message);
+    ::DeleteFileW(path.c_str());
   }
   return messages;
 }

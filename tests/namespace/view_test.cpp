@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -159,9 +158,8 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
         EXPECT_EQ(widgettest::Rgb(pixels->at(at.x, at.y)), colour) << at.x << "," << at.y;
       }
     }
-    EXPECT_GT(inButton, 0u);
-    EXPECT_EQ(inPicture > 0, !::IsRectEmpty(&face.background));
-    EXPECT_EQ(elsewhere, 0u);
+    EXPECT_EQ(std::make_tuple(inButton > 0, inPicture > 0, elsewhere),
+              std::make_tuple(true, !::IsRectEmpty(&face.background), size_t{0}));
     // A screen reader reads the button as the words its picture shows.
     const wchar_t* const labels[] = {L"登录", L"开启同步", L"开启同步", L"打开同步设置"};
     const testsupport::Accessible seen = testsupport::AccessibleOf(Button(prompt, face.button));
@@ -200,8 +198,8 @@ TEST_F(ViewTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
   testsupport::PublishClientState(ClientState::kSyncReady, m_syncFolder);
   EXPECT_EQ(Poll(), 1u);
   ASSERT_EQ(m_host->BrowseCalls().size(), 1u);
-  EXPECT_EQ(m_host->BrowseCalls().front().path, m_syncFolder);
-  EXPECT_EQ(m_host->BrowseCalls().front().flags, 1u) << "SBSP_SAMEBROWSER and nothing else";
+  EXPECT_EQ(std::make_pair(m_host->BrowseCalls().front().path, m_host->BrowseCalls().front().flags),
+            std::make_pair(m_syncFolder, 1u)) << "SBSP_SAMEBROWSER and nothing else";
   // Signed out, the poll keeps the sync-ready value it had: it still posts 1, yet nothing browses,
   // because the step into the folder asks the registry again.
   testsupport::PublishClientState(ClientState::kSignedOut, m_syncFolder);
@@ -216,8 +214,7 @@ TEST_F(ViewTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
   ::SetWindowPos(m_host->Frame(), nullptr, 0, 0, 840, 620, SWP_NOMOVE | SWP_NOZORDER);
   EXPECT_TRUE(::IsWindowVisible(Prompt()));
   const RECT prompt = RectIn(Prompt(), m_host->ViewWindow());
-  EXPECT_EQ(prompt.right - prompt.left, 840);
-  EXPECT_EQ(prompt.bottom - prompt.top, 620);
+  EXPECT_EQ(std::make_pair(prompt.right - prompt.left, prompt.bottom - prompt.top), std::make_pair(840L, 620L));
 }
 
 // A drag is offered, moved over the view and taken back, offered again and dropped: the view accepts

@@ -30,26 +30,24 @@ DebugCapture::~DebugCapture() {
 LONG CALLBACK DebugCapture::Handler(EXCEPTION_POINTERS* info) {
   DebugCapture* self = g_active.load();
   const EXCEPTION_RECORD* record = info->ExceptionRecord;
-  if (self == nullptr || record->NumberParameters < 2) return EXCEPTION_CONTINUE_SEARCH;
+  const bool wide = record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_WIDE_C);
+  if (self == nullptr || record->NumberParameters < 2 ||
+      (!wide && record->ExceptionCode != static_cast<DWORD>(DBG_PRINTEXCEPTION_C))) {
+    return EXCEPTION_CONTINUE_SEARCH;
+  }
   try {
-    if (record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_WIDE_C)) {
-      const auto* text = reinterpret_cast<const wchar_t*>(record->ExceptionInformation[1]);
-      const auto length = static_cast<size_t>(record->ExceptionInformation[0]);
-      std::wstring line(text, length > 0 ? length - 1 : 0);
-      std::lock_guard<std::mutex> lock(self->m_mutex);
-      self->m_sawWide = true;
+    const auto length = static_cast<size_t>(record->ExceptionInformation[0]);
+    const size_t chars = length > 0 ? length - 1 : 0;  // without the terminator
+    const auto text = record->ExceptionInformation[1];
+    std::wstring line = wide ? std::wstring(reinterpret_cast<const wchar_t*>(text), chars)
+                             : logtest::Wide(std::string_view(reinterpret_cast<const char*>(text), chars), CP_ACP);
+    std::lock_guard<std::mutex> lock(self->m_mutex);
+    // Unhandled, the system repeats a wide line as a narrow one; that copy is skipped.
+    if (!wide && self->m_sawWide && !self->m_lines.empty() && self->m_lines.back() == line) {
+      self->m_sawWide = false;
+    } else {
+      self->m_sawWide = self->m_sawWide || wide;
       self->m_lines.push_back(std::move(line));
-      // Unhandled, the system repeats a wide line as a narrow one; that copy is skipped below.
-    } else if (record->ExceptionCode == static_cast<DWORD>(DBG_PRINTEXCEPTION_C)) {
-      const auto* text = reinterpret_cast<const char*>(record->ExceptionInformation[1]);
-      const auto length = static_cast<size_t>(record->ExceptionInformation[0]);
-      std::wstring line = logtest::Wide(std::string_view(text, length > 0 ? length - 1 : 0), CP_ACP);
-      std::lock_guard<std::mutex> lock(self->m_mutex);
-      if (self->m_sawWide && !self->m_lines.empty() && self->m_lines.back() == line) {
-        self->m_sawWide = false;
-      } else {
-        self->m_lines.push_back(std::move(line));
-      }
     }
   } catch (...) {
   }
@@ -62,11 +60,9 @@ std::vector<std::wstring> DebugCapture::Lines() const {
 }
 
 std::vector<std::wstring> DebugCapture::LinesContaining(const std::wstring& text) const {
-  std::vector<std::wstring> found;
-  for (auto& line : Lines()) {
-    if (line.find(text) != std::wstring::npos) found.push_back(line);
-  }
-  return found;
+  std::vector<std::wstring> lines = Lines();
+  std::erase_if(lines, [&](const std::wstring& line) { return line.find(text) == std::wstring::npos; });
+  return lines;
 }
 
 void DebugCapture::Clear() {
