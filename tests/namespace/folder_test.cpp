@@ -119,9 +119,7 @@ TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
   corvane::unique_pidl parsed;
   EXPECT_EQ(m_folder->ParseDisplayName(nullptr, nullptr, path, &eaten, reinterpret_cast<PIDLIST_RELATIVE*>(parsed.put()),
                                        &attributes), S_OK);
-  EXPECT_NE(parsed.get(), nullptr);
-  EXPECT_EQ(eaten, 77u);
-  EXPECT_EQ(attributes, 77u);
+  EXPECT_EQ(std::make_tuple(parsed.get() != nullptr, eaten, attributes), std::make_tuple(true, 77ul, 77ul));
 
   void* ui = reinterpret_cast<void*>(0x1234);
   EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);

@@ -146,12 +146,10 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
     const auto pixels = widgettest::CaptureClient(prompt);
     ASSERT_TRUE(pixels && pixels->width == face.width && pixels->height == face.height);
     size_t inButton = 0, inPicture = 0, elsewhere = 0;
-    for (int y = 0; y < face.height; ++y) {
-      for (int x = 0; x < face.width; ++x) {
-        if (widgettest::Rgb(pixels->at(x, y)) == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
-        const POINT at{x, y};
-        ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
-      }
+    for (int i = 0; i < face.width * face.height; ++i) {
+      const POINT at{i % face.width, i / face.width};
+      if (widgettest::Rgb(pixels->at(at.x, at.y)) == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
+      ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
     }
     for (const auto& [at, colour] : face.probes) {
       if (colour != 0) {
