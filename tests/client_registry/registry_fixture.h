@@ -8,10 +8,12 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "client_state.h"
 #include "debug_capture.h"
+#include "log/logger.h"
 #include "log_files.h"
 
 namespace registrytest {
@@ -24,8 +26,14 @@ using testsupport::SetText;
 
 class RegistryTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
+  void SetUp() override {
+    DeleteHalvexTree();
+    g_pLogger = new LOGGER::CLogger(4, m_scratch / L"log", L"Corvane");
+  }
+  void TearDown() override {
+    delete std::exchange(g_pLogger, nullptr);
+    DeleteHalvexTree();
+  }
 
   static void DeleteHalvexTree() { testsupport::ClearClientState(); }
   // Arbitrary bytes under any type, for values the client never writes but the readers must survive.
@@ -44,7 +52,14 @@ class RegistryTest : public ::testing::Test {
   }
 
   // The lines logged under [function], in order.
-  std::vector<logtest::LogLine> LogOf(const std::wstring& function) const;
+  std::vector<logtest::LogLine> LogOf(const std::wstring& function) const {
+    std::vector<logtest::LogLine> found;
+    for (const std::wstring& text : m_capture.Lines()) {
+      logtest::LogLine line;
+      if (logtest::ParseLogLine(text, line) && line.function == function) found.push_back(line);
+    }
+    return found;
+  }
   void ClearLog() { m_capture.Clear(); }
 
  private:

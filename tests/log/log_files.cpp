@@ -161,11 +161,6 @@ bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int par
   return std::regex_match(name, shape);
 }
 
-std::wstring FileNameOf(const std::wstring& path) {
-  const size_t slash = path.rfind(L'\\');
-  return slash == std::wstring::npos ? path : path.substr(slash + 1);
-}
-
 std::string Utf8(const std::wstring& text) {
   const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
                                          nullptr);

@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,7 +72,7 @@ std::vector<LogLine> ReadLogLines(const std::wstring& path);
 // `parts` times after the prefix.
 bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts);
 
-std::wstring FileNameOf(const std::wstring& path);
+inline std::wstring FileNameOf(const std::wstring& path) { return std::filesystem::path(path).filename().wstring(); }
 
 // For texts with Chinese letters in assertions (gtest prints UTF-8 bytes safely) and in files, and
 // back from UTF-8 (pipes, record files) or from another code page (the debugger's narrow lines).
