@@ -25,12 +25,10 @@ std::vector<StartRecord> ReadRecords(const std::wstring& path) {
   for (std::string line; std::getline(file, line);) {
     std::wistringstream fields(logtest::Wide(line));
     StartRecord record;
-    if (!(fields >> record.pid >> record.startMs) || fields.get() != L'\t' ||
-        !std::getline(fields, record.show, L'\t') || !std::getline(fields, record.directory, L'\t') ||
-        !std::getline(fields, record.commandLine)) {
-      continue;
+    if ((fields >> record.pid >> record.startMs) && fields.get() == L'\t' && std::getline(fields, record.show, L'\t') &&
+        std::getline(fields, record.directory, L'\t') && std::getline(fields, record.commandLine)) {
+      records.push_back(std::move(record));
     }
-    records.push_back(std::move(record));
   }
   return records;
 }

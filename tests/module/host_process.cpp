@@ -21,10 +21,8 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
   }
   ::SetHandleInformation(readEnd.get(), HANDLE_FLAG_INHERIT, 0);
 
-  STARTUPINFOW startup{sizeof startup};
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdOutput = writeEnd.get();
-  startup.hStdError = writeEnd.get();
+  const STARTUPINFOW startup{.cb = sizeof(STARTUPINFOW), .dwFlags = STARTF_USESTDHANDLES,
+                             .hStdOutput = writeEnd.get(), .hStdError = writeEnd.get()};
   const std::wstring commandLine = L"\"" + host + L"\" \"" + dll + L"\"" + (calls.empty() ? L"" : L" " + calls);
   const corvane::unique_handle process = testsupport::StartProcess(host, commandLine, startup, CREATE_NO_WINDOW);
   if (!process) return run;
@@ -63,9 +61,8 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
 HostRun Regsvr32(const std::wstring& switches, const std::wstring& dll) {
   wchar_t system[MAX_PATH] = {};
   ::GetSystemDirectoryW(system, MAX_PATH);
-  return RunHost(std::wstring(system) + L"\\regsvr32.exe", dll.empty() ? ProgramFolder() + L"Corvane.dll" : dll, switches);
+  return RunHost(std::wstring(system) + L"\\regsvr32.exe", dll.empty() ? corvane::ThisModuleFolder() + L"Corvane.dll" : dll,
+                 switches);
 }
-
-std::wstring ProgramFolder() { return corvane::ThisModuleFolder(); }
 
 }  // namespace moduletest

@@ -23,7 +23,4 @@ HostRun RunHost(const std::wstring& host, const std::wstring& dll, const std::ws
 // program).
 HostRun Regsvr32(const std::wstring& switches, const std::wstring& dll = std::wstring());
 
-// The folder this test program runs from, ending in a backslash (the DLL lies here too).
-std::wstring ProgramFolder();
-
 }  // namespace moduletest

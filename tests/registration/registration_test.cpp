@@ -19,6 +19,7 @@
 
 #include "host_process.h"
 #include "platform/handles.h"
+#include "platform/module_path.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ const std::wstring kNewStartPanel = kExplorer + L"HideDesktopIcons\\NewStartPane
 const std::wstring kHelperObjects = kExplorer + L"Browser Helper Objects";
 const std::wstring kPolicy = L"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Ext\\CLSID";
 
-std::wstring Dll() { return moduletest::ProgramFolder() + L"Corvane.dll"; }
+std::wstring Dll() { return corvane::ThisModuleFolder() + L"Corvane.dll"; }
 
 // Where registration may write: a whole key, a key that need only be there, or a value of a shared key;
 // or a tree only cleared away, never read (the type library's and interfaces' own).
@@ -189,7 +190,7 @@ std::vector<std::wstring> Expected(State state) {
 // The stand-in's results, one per call, in order.
 std::vector<HRESULT> CallExports(const std::wstring& calls) {
   const moduletest::HostRun run =
-      moduletest::RunHost(moduletest::ProgramFolder() + L"hosts\\regsvr\\regsvr32.exe", Dll(), calls);
+      moduletest::RunHost(corvane::ThisModuleFolder() + L"hosts\\regsvr\\regsvr32.exe", Dll(), calls);
   // RunHost reports a start or wait that failed.
   EXPECT_EQ(run.exitCode, 0u) << testing::PrintToString(run.output);
   std::vector<HRESULT> results;
