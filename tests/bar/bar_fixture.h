@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <tuple>
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
@@ -132,6 +133,8 @@ inline bool HasStyle(HWND window, DWORD style) {
   return window != nullptr && (static_cast<DWORD>(::GetWindowLongPtrW(window, GWL_STYLE)) & style) == style;
 }
 using testsupport::RectIn;
+inline auto Tie(const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); }
+#define EXPECT_RECT(actual, l, t, r, b) EXPECT_EQ(Tie(actual), std::make_tuple(l, t, r, b)) << #actual
 inline std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
 class BarTest : public registrytest::RegistryTest {

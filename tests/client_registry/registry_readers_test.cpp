@@ -119,9 +119,9 @@ TEST_F(Readers, LoginAndSyncFlagsSplitBetweenTheSyncReaders) {
     SCOPED_TRACE(testing::Message() << "row " << (&c - cases));
     SetUserValue(L"bLogin", c.bLogin);
     SetUserValue(L"bOpenSync", c.bOpenSync);
-    EXPECT_EQ(kReaders[kLogin].call(), Result(c.notOpenSync || c.andOpenSync, L"", true));
-    EXPECT_EQ(kReaders[kNotOpenSync].call(), Result(c.notOpenSync, L"", true));
-    EXPECT_EQ(kReaders[kOpenSync].call(), Result(c.andOpenSync, m_folder + L"\\", true));
+    EXPECT_EQ(std::make_tuple(kReaders[kLogin].call(), kReaders[kNotOpenSync].call(), kReaders[kOpenSync].call()),
+              std::make_tuple(Result(c.notOpenSync || c.andOpenSync, L"", true), Result(c.notOpenSync, L"", true),
+                              Result(c.andOpenSync, m_folder + L"\\", true)));
   }
   SetRaw(kUserKey, L"bLogin", REG_BINARY, "1\0", 2);  // a flag of any type is read as text
   EXPECT_TRUE(regUtil::checkReadyLogin());

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <filesystem>
 #include <regex>
 #include <system_error>
@@ -88,9 +87,7 @@ std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional) {
 std::wstring ReadUtf16(const std::wstring& path, bool optional) {
   const std::vector<std::uint8_t> bytes = ReadBytes(path, optional);
   EXPECT_EQ(bytes.size() % 2, 0u) << testing::PrintToString(path);
-  std::wstring text(bytes.size() / 2, L'\0');
-  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));  // wchar_t is UTF-16LE here
-  return text;
+  return std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2);  // wchar_t is UTF-16LE here
 }
 
 std::vector<std::wstring> SplitCrLf(const std::wstring& text) {

@@ -22,8 +22,7 @@ enum class ClientState { kSignedOut, kSignedInNoSync, kSyncReady };
 // A REG_SZ value under HKCU, its terminator included, as the client writes its values.
 inline void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text) {
   ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str(), REG_SZ, text.c_str(),
-                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
-            ERROR_SUCCESS);
+                              static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))), ERROR_SUCCESS);
 }
 
 // One current user with these values, each written over in place.
