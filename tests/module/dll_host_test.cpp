@@ -78,7 +78,8 @@ TEST(DllHost, ADllPathPast260CharactersStillLogsBesideTheClient) {
   const std::wstring client = scratch.Path() + L"\\" + std::wstring(265 - scratch.Path().size() - 19, L'c');
   std::error_code error;
   for (const wchar_t* folder : {L"\\shell", L"\\log\\Corvane"}) std::filesystem::create_directories(client + folder, error);
-  ASSERT_TRUE(::CopyFileW((corvane::ThisModuleFolder() + L"Corvane.dll").c_str(), (client + L"\\shell\\Corvane.dll").c_str(), TRUE));
+  ASSERT_TRUE(::CopyFileW((corvane::ThisModuleFolder() + L"Corvane.dll").c_str(), (client + L"\\shell\\Corvane.dll").c_str(),
+                          TRUE));
   const std::wstring host = corvane::ThisModuleFolder() + L"hosts\\plain\\explorer.exe";
   EXPECT_EQ(moduletest::RunHost(host, client + L"\\shell\\Corvane.dll").values[L"load"], L"ok");
   const std::vector<std::wstring> logs = logtest::FilesIn(client + L"\\log\\Corvane");

@@ -77,8 +77,8 @@ inline HostRun RunHost(const std::wstring& host, const std::wstring& dll, const 
 inline HostRun Regsvr32(const std::wstring& switches, const std::wstring& dll = std::wstring()) {
   wchar_t system[MAX_PATH] = {};
   ::GetSystemDirectoryW(system, MAX_PATH);
-  return RunHost(std::wstring(system) + L"\\regsvr32.exe", dll.empty() ? corvane::ThisModuleFolder() + L"Corvane.dll" : dll,
-                 switches);
+  const std::wstring target = dll.empty() ? corvane::ThisModuleFolder() + L"Corvane.dll" : dll;
+  return RunHost(std::wstring(system) + L"\\regsvr32.exe", target, switches);
 }
 
 }  // namespace moduletest
