@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <tuple>
 
 #include "bar/bar_owner.h"
 #include "bar/title_window.h"
@@ -21,6 +22,7 @@ using namespace widgettest;
 using registrytest::kUser;
 using registrytest::kUserKey;
 using registrytest::kZoomKey;
+using testsupport::SetText;
 constexpr std::uint64_t kMiB = 1024ULL * 1024, kGiB = 1024 * kMiB;
 
 // An IUnknown that only counts its references (the bar never asks it for an interface).
@@ -42,9 +44,20 @@ struct COwnerFrame final : corvane::Window<COwnerFrame> {
 // the bar measures (it only records what it was asked), so a layout can be stated in literal pixels.
 class TestOwner final : public IBarOwner {
  public:
-  TestOwner(int clientWidth, bool pinned);
+  // Never shown: under Wine without a window manager, destroying a mapped top-level window waits
+  // two seconds for a withdrawal that never comes. The bar and its children keep their own styles.
+  TestOwner(int clientWidth, bool pinned) : width(clientWidth), m_pinned(pinned) {
+    const RECT place{20, 20, 40 + clientWidth, 240};
+    m_frame.Create(nullptr, &place, L"Corvane bar test", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN);
+  }
   int GetBarHeight() const override { return m_nBarHeight; }
-  void SetBarHeight(int height) override;
+  void SetBarHeight(int height) override {
+    askedHeight = height;
+    if (m_pinned) return;
+    m_nBarHeight = height;
+    // The controller lays its window out again whenever the bar's height changes.
+    if (bar != nullptr && bar->IsWindow()) bar->MovePosition(RECT{0, 0, width, m_nBarHeight});
+  }
   void GetIconSize(int& width, int& height) const override { width = m_icon.cx, height = m_icon.cy; }
   void SetIconSize(int cx, int cy) override {
     askedIcon = SIZE{cx, cy};
@@ -52,7 +65,11 @@ class TestOwner final : public IBarOwner {
   }
   HWND GetExplorerHwnd() const override { return m_frame.m_hWnd; }
   // MovePosition of the bar to (0, 0, width, H), then the messages pumped.
-  void Layout(int width);
+  void Layout(int newWidth) {
+    width = newWidth;
+    if (bar != nullptr) bar->MovePosition(RECT{0, 0, width, m_nBarHeight});
+    Pump();
+  }
 
   CTitleWindow* bar = nullptr;
   int width;
@@ -76,8 +93,18 @@ struct HostedBar {
     owner.bar = nullptr;
     Pump();
   }
-  bool Start(bool settle = true);
-  void Settle();
+  bool Start(bool settle = true) {
+    if (!bar.Initialize(&unknown, &owner, owner.GetExplorerHwnd())) return false;
+    owner.bar = &bar;
+    timerWasRunning = ::KillTimer(bar.m_hWnd, CTitleWindow::TIMER_CLOUD_UPDATE_INFO) != FALSE;
+    if (settle) Settle();
+    return true;
+  }
+  void Settle() {
+    ::PostMessageW(bar.m_hWnd, WM_DISPLAYCHANGE, 0, 0);
+    ::PostMessageW(bar.GetRightHwnd(), WM_DISPLAYCHANGE, 0, 0);
+    owner.Layout(owner.width);
+  }
   HWND Bar() const { return bar.m_hWnd; }
   HWND Right() const { return bar.GetRightHwnd(); }
   HWND Child(int id) const { return ::GetDlgItem(bar.m_hWnd, id); }
@@ -91,11 +118,23 @@ struct HostedBar {
 
 // Removes the queued messages of one kind, dispatches them and returns their windows in order.
 // (A window filter would also take the messages of the window's children.)
-std::vector<HWND> TakeQueued(UINT message);
+inline std::vector<HWND> TakeQueued(UINT message) {
+  std::vector<MSG> taken;
+  MSG msg{};
+  while (::PeekMessageW(&msg, nullptr, message, message, PM_REMOVE)) taken.push_back(msg);
+  std::vector<HWND> windows;
+  for (const MSG& queued : taken) {
+    windows.push_back(queued.hwnd);
+    ::DispatchMessageW(&queued);
+  }
+  return windows;
+}
 inline bool HasStyle(HWND window, DWORD style) {
   return window != nullptr && (static_cast<DWORD>(::GetWindowLongPtrW(window, GWL_STYLE)) & style) == style;
 }
 using testsupport::RectIn;
+inline auto Tie(const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); }
+#define EXPECT_RECT(actual, l, t, r, b) EXPECT_EQ(Tie(actual), std::make_tuple(l, t, r, b)) << #actual
 inline std::wstring SkinFile(const wchar_t* name) { return corvane::ThisModuleFolder() + L"CorvaneSkin\\" + name; }
 
 class BarTest : public registrytest::RegistryTest {

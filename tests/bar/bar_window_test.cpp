@@ -15,9 +15,6 @@
 namespace bartest {
 namespace {
 
-auto Tie(const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); }
-#define EXPECT_RECT(actual, l, t, r, b) EXPECT_EQ(Tie(actual), std::make_tuple(l, t, r, b)) << #actual
-
 // Pinned owner: H = 40 and a text unit of 10, so the logo is the 38 x 38 square at (10, 1), the
 // capacity display starts 20 after it and is six units wide, and everything ends at H - 1.
 TEST_F(BarTest, CreationLaysOutFromTheOwnersHeightAndTextUnit) {

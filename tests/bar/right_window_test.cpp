@@ -24,10 +24,9 @@ TEST_F(BarTest, RightGroupPicturesFollowTheirLabelsAndTheTheme) {
     ASSERT_TRUE(same.Start() && other.Start());
     const RECT first = RectIn(hosted.Right(), hosted.Bar()), skipped = RectIn(same.Right(), same.Bar()),
                placed = RectIn(other.Right(), other.Bar());
-    const auto tie = [](const RECT& r) { return std::make_tuple(r.left, r.top, r.right, r.bottom); };
-    EXPECT_EQ(tie(first), std::make_tuple(1008L, 0L, 1200L, 21L));
-    EXPECT_EQ(tie(placed), std::make_tuple(808L, 0L, 1000L, 21L));
-    EXPECT_NE(tie(skipped), tie(first)) << "placed although the process's last placement was the same";
+    EXPECT_RECT(first, 1008, 0, 1200, 21);
+    EXPECT_RECT(placed, 808, 0, 1000, 21);
+    EXPECT_NE(Tie(skipped), Tie(first)) << "placed although the process's last placement was the same";
   }
   // The deleted pictures are back: each icon brought to its label's height (and joined to it).
   for (const auto& [label, icon] : {std::pair{L"tb_dt1.png", L"tb_dd1.png"}, std::pair{L"set_dt2.png", L"set_dd2.png"},

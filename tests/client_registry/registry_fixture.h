@@ -8,10 +8,12 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "client_keys.h"
+#include "client_state.h"
 #include "debug_capture.h"
+#include "log/logger.h"
 #include "log_files.h"
 
 namespace registrytest {
@@ -20,21 +22,20 @@ inline const std::wstring kRoot = testsupport::kClientKey;
 inline const std::wstring kUser = testsupport::kTestUser;
 inline const std::wstring kUserKey = testsupport::kTestUserKey;
 inline const std::wstring kZoomKey = testsupport::kZoomKey;
-
-// One log line reduced to its level tag ("[Info]") and the message after the location.
-struct LogLine {
-  std::wstring tag, message;
-};
+using testsupport::SetText;
 
 class RegistryTest : public ::testing::Test {
  protected:
-  void SetUp() override;
-  void TearDown() override;
-
-  static void DeleteHalvexTree() { ::RegDeleteTreeW(HKEY_CURRENT_USER, kRoot.c_str()); }
-  static void SetText(const std::wstring& subkey, const std::wstring& name, const std::wstring& text) {
-    SetRaw(subkey, name, REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+  void SetUp() override {
+    DeleteHalvexTree();
+    g_pLogger = new LOGGER::CLogger(4, m_scratch / L"log", L"Corvane");
   }
+  void TearDown() override {
+    delete std::exchange(g_pLogger, nullptr);
+    DeleteHalvexTree();
+  }
+
+  static void DeleteHalvexTree() { testsupport::ClearClientState(); }
   // Arbitrary bytes under any type, for values the client never writes but the readers must survive.
   static void SetRaw(const std::wstring& subkey, const std::wstring& name, DWORD type, const void* data, DWORD bytes) {
     ASSERT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, subkey.c_str(), name.c_str(), type, data, bytes), ERROR_SUCCESS);
@@ -44,17 +45,21 @@ class RegistryTest : public ::testing::Test {
   static void SetUserValue(const std::wstring& name, const std::wstring& text) { SetText(kUserKey, name, text); }
 
   // A folder or a small file under this test's temporary folder (name may contain backslashes).
-  std::wstring MakeFolder(const std::wstring& name) const {
-    std::filesystem::create_directories(m_scratch / name);
-    return m_scratch / name;
-  }
+  std::wstring MakeFolder(const std::wstring& name) const { return m_scratch.MakeFolder(name); }
   std::wstring MakeFile(const std::wstring& name) const {
     std::ofstream(std::filesystem::path(m_scratch / name)) << "png";
     return m_scratch / name;
   }
 
   // The lines logged under [function], in order.
-  std::vector<LogLine> LogOf(const std::wstring& function) const;
+  std::vector<logtest::LogLine> LogOf(const std::wstring& function) const {
+    std::vector<logtest::LogLine> found;
+    for (const std::wstring& text : m_capture.Lines()) {
+      logtest::LogLine line;
+      if (logtest::ParseLogLine(text, line) && line.function == function) found.push_back(line);
+    }
+    return found;
+  }
   void ClearLog() { m_capture.Clear(); }
 
  private:

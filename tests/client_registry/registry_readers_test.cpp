@@ -38,18 +38,18 @@ const struct Reader {
   std::vector<std::wstring> values;
   Outcome (*call)();
 } kReaders[] = {
-    {L"regUtil::checkReadyLogin", L"[Info]", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); }},
-    {L"regUtil::checkReadyLoginNotOpenSync", L"[Info]", {L"bLogin", L"bOpenSync"},
+    {L"regUtil::checkReadyLogin", L"Info", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); }},
+    {L"regUtil::checkReadyLoginNotOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
      [] { return Result(regUtil::checkReadyLoginNotOpenSync(), L"", true); }},
-    {L"regUtil::checkReadyLoginAndOpenSync", L"[Info]", {L"bLogin", L"bOpenSync"},
+    {L"regUtil::checkReadyLoginAndOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
      Text<regUtil::checkReadyLoginAndOpenSync>},
-    {L"regUtil::getLogoPath", L"[Debug]", {L"userLogoPath"}, Text<regUtil::getLogoPath>},
-    {L"regUtil::getCloudSpace", L"[Info]", {L"totalSpace", L"usedSpace"}, [] {
+    {L"regUtil::getLogoPath", L"Debug", {L"userLogoPath"}, Text<regUtil::getLogoPath>},
+    {L"regUtil::getCloudSpace", L"Info", {L"totalSpace", L"usedSpace"}, [] {
        std::uint64_t total = 7, used = 8;
        const bool ok = regUtil::getCloudSpace(total, used);
        return Result(ok, std::to_wstring(total) + L"|" + std::to_wstring(used), total == 7 && used == 8);
      }},
-    {L"regUtil::getAdvertisingInfo", L"[Info]", {L"advertisingId", L"advertisingTitle"}, [] {
+    {L"regUtil::getAdvertisingInfo", L"Info", {L"advertisingId", L"advertisingTitle"}, [] {
        std::wstring id = L"-", title = L"-";
        const bool ok = regUtil::getAdvertisingInfo(id, title);
        return Result(ok, id + L"|" + title, id == L"-" && title == L"-");
@@ -94,7 +94,7 @@ TEST_F(Readers, EachMissingPieceFailsWithOneLineAtTheReadersLevel) {
       ClearLog();
       EXPECT_EQ(reader.call(), Outcome());
       std::wstring levels;
-      for (const LogLine& line : LogOf(reader.function)) levels += line.tag;
+      for (const logtest::LogLine& line : LogOf(reader.function)) levels += line.tag;
       EXPECT_EQ(levels, reader.level);
     }
   }
@@ -119,9 +119,9 @@ TEST_F(Readers, LoginAndSyncFlagsSplitBetweenTheSyncReaders) {
     SCOPED_TRACE(testing::Message() << "row " << (&c - cases));
     SetUserValue(L"bLogin", c.bLogin);
     SetUserValue(L"bOpenSync", c.bOpenSync);
-    EXPECT_EQ(kReaders[kLogin].call(), Result(c.notOpenSync || c.andOpenSync, L"", true));
-    EXPECT_EQ(kReaders[kNotOpenSync].call(), Result(c.notOpenSync, L"", true));
-    EXPECT_EQ(kReaders[kOpenSync].call(), Result(c.andOpenSync, m_folder + L"\\", true));
+    EXPECT_EQ(std::make_tuple(kReaders[kLogin].call(), kReaders[kNotOpenSync].call(), kReaders[kOpenSync].call()),
+              std::make_tuple(Result(c.notOpenSync || c.andOpenSync, L"", true), Result(c.notOpenSync, L"", true),
+                              Result(c.andOpenSync, m_folder + L"\\", true)));
   }
   SetRaw(kUserKey, L"bLogin", REG_BINARY, "1\0", 2);  // a flag of any type is read as text
   EXPECT_TRUE(regUtil::checkReadyLogin());

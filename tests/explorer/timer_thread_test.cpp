@@ -4,26 +4,20 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <thread>
 
 #include "explorer/timer_thread.h"
+#include "window_probe.h"
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 namespace {
 
-// Polls until done() holds; false after ten seconds, far beyond anything asked of the timer here.
-template <class Predicate>
-bool WaitFor(Predicate done) {
-  const auto end = Clock::now() + 10s;
-  while (!done()) {
-    if (Clock::now() > end) return false;
-    std::this_thread::sleep_for(1ms);
-  }
-  return true;
-}
+// Ten seconds: far beyond anything asked of the timer here.
+bool WaitFor(const std::function<bool()>& done) { return testsupport::WaitUntil(done, 10000); }
 
 // A second Start while running and a second Stop do nothing; the integration tests' re-site and
 // close repeat both. Here: a Start with no callback yet, a restart after Stop, and the destructor

@@ -2,6 +2,8 @@
 // a signed-in client with sync on; and how it is laid out inside Explorer's view window.
 #include "integration_bed.h"
 
+#include <tuple>
+
 #include "platform/module_path.h"
 
 namespace integrationtest {
@@ -11,12 +13,10 @@ namespace {
 // height is the bar's own rule, pinned where the bar is tested.)
 void ExpectLaidOut(const BarState& state) {
   ASSERT_TRUE(state.shown) << "the bar is not visible in the view window";
-  EXPECT_EQ(state.barInView.top, 0);
-  EXPECT_EQ(state.barInView.left, 0);
-  EXPECT_EQ(state.barInView.right, state.view.right);
+  EXPECT_EQ(std::make_tuple(state.barInView.left, state.barInView.top, state.barInView.right, state.listInView.top,
+                            state.listInView.bottom),
+            std::make_tuple(0L, 0L, state.view.right, state.barInView.bottom, state.view.bottom));
   EXPECT_GT(state.barInView.bottom, 20);
-  EXPECT_EQ(state.listInView.top, state.barInView.bottom);
-  EXPECT_EQ(state.listInView.bottom, state.view.bottom);
   // After moving the list the layout posts it a WM_SIZE of its new size.
   EXPECT_EQ(std::make_pair(state.listPosted.cx, state.listPosted.cy),
             std::make_pair(state.view.right, state.view.bottom - state.barInView.bottom));
@@ -27,8 +27,7 @@ void ExpectRestored(const BarState& state) {
   EXPECT_FALSE(state.shown) << "the bar is still visible in the view window";
   EXPECT_FALSE(::IsWindowVisible(state.bar));
   EXPECT_EQ(::GetParent(state.bar), state.frame) << "a hidden bar is parked under the frame";
-  EXPECT_EQ(state.listInView.top, 0);
-  EXPECT_EQ(state.listInView.bottom, state.view.bottom);
+  EXPECT_EQ(std::make_pair(state.listInView.top, state.listInView.bottom), std::make_pair(0L, state.view.bottom));
   EXPECT_EQ(std::make_pair(state.listPosted.cx, state.listPosted.cy), std::make_pair(state.view.right, state.view.bottom));
 }
 

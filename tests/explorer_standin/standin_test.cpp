@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "scratch_folder.h"
+#include "log_files.h"
 #include "standin_session.h"
 
 namespace standintest {
@@ -21,9 +21,9 @@ std::wstring ClassOf(HWND window) {
 }
 
 TEST(Standin, WindowTreeOneThreadPerWindowAndAChannelThatSaysOkOnlyForWhatWasDone) {
-  ScratchFolder scratch;
+  logtest::TempFolder scratch;
   const std::wstring alpha = scratch.MakeFolder(L"Alpha"), beta = scratch.MakeFolder(L"Beta");
-  StandinSession standin(scratch.Root());
+  StandinSession standin(scratch.Path());
   const int first = standin.Open(alpha), second = standin.Open(alpha);
   ASSERT_EQ(first, 1) << testing::PrintToString(standin.LogText());
 
@@ -68,7 +68,7 @@ TEST(Standin, WindowTreeOneThreadPerWindowAndAChannelThatSaysOkOnlyForWhatWasDon
   };
   const Case cases[] = {
       {L"navigate 7 " + alpha, L"error "},
-      {L"navigate 1 " + scratch.Root() + L"\\Missing", L"error "},
+      {L"navigate 1 " + scratch.Path() + L"\\Missing", L"error "},
       // A message nobody handles: the frame answers 0, and a PIDL given with it stays with the sender.
       {L"send 1 0x0500 0 pidl:" + beta, L"ok 0"},
       {L"folder 1", L"ok " + alpha},

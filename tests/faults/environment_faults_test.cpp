@@ -21,15 +21,11 @@ namespace fs = std::filesystem;
 // A window below parent, at any depth, with the control id.
 HWND Descendant(HWND parent, int id) {
   std::pair<int, HWND> find{id, nullptr};
-  ::EnumChildWindows(
-      parent,
-      [](HWND hwnd, LPARAM lParam) -> BOOL {
-        auto* find = reinterpret_cast<std::pair<int, HWND>*>(lParam);
-        if (::GetDlgCtrlID(hwnd) != find->first) return TRUE;
-        find->second = hwnd;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&find));
+  ::EnumChildWindows(parent, [](HWND hwnd, LPARAM lParam) -> BOOL {
+    auto* find = reinterpret_cast<std::pair<int, HWND>*>(lParam);
+    find->second = ::GetDlgCtrlID(hwnd) == find->first ? hwnd : nullptr;
+    return find->second == nullptr;
+  }, reinterpret_cast<LPARAM>(&find));
   return find.second;
 }
 
@@ -88,7 +84,7 @@ class EnvironmentFault : public ExplorerIntegration {
     EXPECT_EQ(m_explorer->Command(L"close " + std::to_wstring(id)), L"ok");
   }
 
-  standintest::ScratchFolder m_install;
+  logtest::TempFolder m_install;
 };
 
 TEST_F(EnvironmentFault, WithoutTheClientEveryBarActionIsLoggedAndNothingStarts) {

@@ -3,6 +3,8 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "log/logger.h"
 #include "platform/module_path.h"
@@ -10,13 +12,11 @@
 
 namespace {
 
-
 // Deletes the process-wide logger and its file however the test ends.
 struct GlobalLoggerCleanup {
   std::wstring file;
   ~GlobalLoggerCleanup() {
-    delete g_pLogger;
-    g_pLogger = nullptr;
+    delete std::exchange(g_pLogger, nullptr);
     if (!file.empty()) ::DeleteFileW(file.c_str());
   }
 };
@@ -36,21 +36,16 @@ TEST(InitLogger, LogsUnderTheClientFolderAndMacrosStopAfterDeletion) {
   EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(path), L"Corvane", 1)) << testing::PrintToString(path);
 
   const std::wstring line = std::to_wstring(__LINE__); LOG_INFO(L"InitLoggerTest", L"client folder %s", L"ok");
-  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(path));
+  const std::vector<logtest::LogLine> lines = logtest::ReadLogLines(path);
   ASSERT_EQ(lines.size(), 1u);
-  logtest::LogLine parsed;
-  ASSERT_TRUE(logtest::ParseLogLine(lines[0], parsed)) << testing::PrintToString(lines[0]);
-  EXPECT_EQ(parsed.tag, L"Info");
-  EXPECT_EQ(parsed.file, L"init_logger_test.cpp") << "the macro shows the source file's own name";
-  EXPECT_EQ(parsed.line, line);
-  EXPECT_EQ(parsed.function, L"InitLoggerTest");
-  EXPECT_EQ(parsed.message, L"client folder ok");
+  // The macro shows the source file's own name, the line and the function.
+  EXPECT_EQ(std::tie(lines[0].tag, lines[0].file, lines[0].line, lines[0].function, lines[0].message),
+            std::make_tuple(L"Info", L"init_logger_test.cpp", line, L"InitLoggerTest", L"client folder ok"));
 
-  delete g_pLogger;
-  g_pLogger = nullptr;
+  delete std::exchange(g_pLogger, nullptr);
   LOG_INFO(L"InitLoggerTest", L"after deletion");
   LOG_DEBUG(L"InitLoggerTest", L"after deletion");
-  EXPECT_EQ(logtest::SplitCrLf(logtest::ReadUtf16(path)).size(), 1u);
+  EXPECT_EQ(logtest::ReadLines(path).size(), 1u);
 }
 
 TEST(LoggerFolder, AnEmptyFolderMeansTheProgramsOwnFolder) {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
-#include <cstring>
 #include <filesystem>
 #include <regex>
 #include <system_error>
@@ -27,24 +27,15 @@ void WriteAll(HANDLE file, const void* data, size_t size) {
   ASSERT_EQ(written, size);
 }
 
-// Text up to the next ']' starting after an expected '['; advances past the ']'.
-bool Bracketed(const std::wstring& text, size_t& pos, std::wstring& out) {
-  if (pos >= text.size() || text[pos] != L'[') return false;
-  const size_t close = text.find(L']', pos + 1);
-  if (close == std::wstring::npos) return false;
-  out = text.substr(pos + 1, close - pos - 1);
-  pos = close + 1;
-  return true;
-}
-
 }  // namespace
 
 TempFolder::TempFolder() {
-  wchar_t temp[MAX_PATH] = {};
-  ::GetTempPathW(MAX_PATH, temp);
+  wchar_t temp[MAX_PATH + 1] = {}, full[MAX_PATH + 1] = {};
+  ::GetTempPathW(MAX_PATH + 1, temp);
+  const DWORD length = ::GetLongPathNameW(temp, full, MAX_PATH + 1);
   // Short names: the logger's retry names grow by 55 characters at a time.
-  m_path = std::wstring(temp) + L"cv" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
-           std::to_wstring(g_folderCount.fetch_add(1));
+  const std::wstring name = L"cv" + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(g_folderCount++);
+  m_path = (std::filesystem::path(length != 0 && length <= MAX_PATH ? full : temp) / name).wstring();
   std::error_code error;
   std::filesystem::remove_all(m_path, error);
   std::filesystem::create_directories(m_path, error);
@@ -54,6 +45,12 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
   std::error_code error;
   std::filesystem::remove_all(m_path, error);
+}
+
+std::wstring TempFolder::MakeFolder(const std::wstring& relative) const {
+  std::error_code error;
+  std::filesystem::create_directories(*this / relative, error);
+  return *this / relative;
 }
 
 bool FileExists(const std::wstring& path) {
@@ -90,22 +87,14 @@ std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional) {
 std::wstring ReadUtf16(const std::wstring& path, bool optional) {
   const std::vector<std::uint8_t> bytes = ReadBytes(path, optional);
   EXPECT_EQ(bytes.size() % 2, 0u) << testing::PrintToString(path);
-  std::wstring text(bytes.size() / 2, L'\0');
-  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));  // wchar_t is UTF-16LE here
-  return text;
+  return std::wstring(reinterpret_cast<const wchar_t*>(bytes.data()), bytes.size() / 2);  // wchar_t is UTF-16LE here
 }
 
 std::vector<std::wstring> SplitCrLf(const std::wstring& text) {
   std::vector<std::wstring> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    const size_t end = text.find(L"\r\n", start);
-    if (end == std::wstring::npos) {
-      lines.push_back(text.substr(start));
-      break;
-    }
+  for (size_t start = 0, end = 0; start < text.size(); start = end + 2) {
+    end = std::min(text.find(L"\r\n", start), text.size());
     lines.push_back(text.substr(start, end - start));
-    start = end + 2;
   }
   return lines;
 }
@@ -143,24 +132,24 @@ std::int64_t LocalStamp() {
 }
 
 bool ParseLogLine(const std::wstring& text, LogLine& out) {
-  static const std::wregex kTime(LR"((\d{4})-(\d\d)-(\d\d) (\d\d):(\d\d):(\d\d)\.(\d{6}))");
-  static const std::wregex kLocation(LR"((.*):(\d+))");
-  static const std::wregex kNumber(LR"(\d+)");
-  size_t pos = 0;
-  std::wstring time, location;
-  std::wsmatch timeParts, locationParts;
-  if (!Bracketed(text, pos, out.tag) || !Bracketed(text, pos, time) || !Bracketed(text, pos, location) ||
-      !Bracketed(text, pos, out.thread) || !Bracketed(text, pos, out.function) ||
-      !std::regex_match(time, timeParts, kTime) || !std::regex_match(location, locationParts, kLocation) ||
-      !std::regex_match(out.thread, kNumber)) {
-    return false;
-  }
-  out.message = text.substr(pos);
-  out.stamp = std::stoll(timeParts.str(1) + timeParts.str(2) + timeParts.str(3) + timeParts.str(4) +
-                         timeParts.str(5) + timeParts.str(6));
-  out.file = locationParts.str(1);
-  out.line = locationParts.str(2);
+  // Each bracket holds no ']'; the location's line number is the digits after its last colon. The
+  // message, of any length, is what follows the brackets (the regex library recurses per character).
+  static const std::wregex kShape(LR"(\[([^\]]*)\]\[(\d{4})-(\d\d)-(\d\d) (\d\d):(\d\d):(\d\d)\.\d{6}\])"
+                                  LR"(\[([^\]]*):(\d+)\]\[(\d+)\]\[([^\]]*)\])");
+  std::wsmatch parts;
+  if (!std::regex_search(text, parts, kShape, std::regex_constants::match_continuous)) return false;
+  const std::wstring stamp = parts.str(2) + parts.str(3) + parts.str(4) + parts.str(5) + parts.str(6) + parts.str(7);
+  out = LogLine{parts.str(1), std::stoll(stamp), parts.str(8), parts.str(9), parts.str(10), parts.str(11),
+                parts.suffix()};
   return true;
+}
+
+std::vector<LogLine> ReadLogLines(const std::wstring& path) {
+  std::vector<LogLine> lines;
+  for (const std::wstring& text : ReadLines(path)) {
+    EXPECT_TRUE(ParseLogLine(text, lines.emplace_back())) << testing::PrintToString(text);
+  }
+  return lines;
 }
 
 bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts) {
@@ -169,16 +158,18 @@ bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int par
   return std::regex_match(name, shape);
 }
 
-std::wstring FileNameOf(const std::wstring& path) {
-  const size_t slash = path.rfind(L'\\');
-  return slash == std::wstring::npos ? path : path.substr(slash + 1);
-}
-
 std::string Utf8(const std::wstring& text) {
   const int size = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0, nullptr,
                                          nullptr);
   std::string out(static_cast<size_t>(size > 0 ? size : 0), '\0');
   ::WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), size, nullptr, nullptr);
+  return out;
+}
+
+std::wstring Wide(std::string_view text, UINT codePage) {
+  const int size = ::MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring out(static_cast<size_t>(size > 0 ? size : 0), L'\0');
+  ::MultiByteToWideChar(codePage, 0, text.data(), static_cast<int>(text.size()), out.data(), size);
   return out;
 }
 

@@ -5,12 +5,15 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace logtest {
 
-// A new, empty folder under the temporary folder, deleted with everything in it at the end.
+// A new, empty folder under the temporary folder (its long form: the shell hands back long names, and
+// tests compare paths exactly), deleted with everything in it at the end.
 class TempFolder {
  public:
   TempFolder();
@@ -21,6 +24,8 @@ class TempFolder {
   // Full path, without a trailing backslash.
   const std::wstring& Path() const noexcept { return m_path; }
   std::wstring operator/(const std::wstring& name) const { return m_path + L"\\" + name; }
+  // Creates <path>\<relative> (and its parents); returns its full path.
+  std::wstring MakeFolder(const std::wstring& relative) const;
 
  private:
   std::wstring m_path;
@@ -36,6 +41,8 @@ std::vector<std::uint8_t> ReadBytes(const std::wstring& path, bool optional = fa
 std::wstring ReadUtf16(const std::wstring& path, bool optional = false);
 // Lines ended by CR LF; text after the last CR LF is returned as a last, unterminated line.
 std::vector<std::wstring> SplitCrLf(const std::wstring& text);
+// The file's lines (UTF-16LE, CR LF).
+inline std::vector<std::wstring> ReadLines(const std::wstring& path) { return SplitCrLf(ReadUtf16(path)); }
 // Writes a file of these bytes, or of UTF-16LE text, replacing what was there.
 void WriteBytes(const std::wstring& path, const std::vector<std::uint8_t>& bytes);
 void WriteUtf16(const std::wstring& path, const std::wstring& text);
@@ -58,14 +65,18 @@ struct LogLine {
 // Parses "[Tag][YYYY-MM-DD hh:mm:ss.uuuuuu][file:LINE][TID][Function]message"; false if the shape
 // is anything else.
 bool ParseLogLine(const std::wstring& text, LogLine& out);
+// A log file's lines, parsed; a line of any other shape fails the calling test.
+std::vector<LogLine> ReadLogLines(const std::wstring& path);
 
 // True when the file name is <prefix><14 digits>_<36-character upper-case GUID>.log repeated
 // `parts` times after the prefix.
 bool IsLogFileName(const std::wstring& name, const std::wstring& prefix, int parts);
 
-std::wstring FileNameOf(const std::wstring& path);
+inline std::wstring FileNameOf(const std::wstring& path) { return std::filesystem::path(path).filename().wstring(); }
 
-// For texts with Chinese letters in assertions (gtest prints UTF-8 bytes safely) and in files.
+// For texts with Chinese letters in assertions (gtest prints UTF-8 bytes safely) and in files, and
+// back from UTF-8 (pipes, record files) or from another code page (the debugger's narrow lines).
 std::string Utf8(const std::wstring& text);
+std::wstring Wide(std::string_view text, UINT codePage = CP_UTF8);
 
 }  // namespace logtest

@@ -2,6 +2,7 @@
 // the open under a longer name.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 #include "debug_capture.h"
@@ -31,24 +32,21 @@ TEST(LoggerFailedOpen, DebuggerStillGetsLinesAndEachWriteRetriesALongerName) {
 
   // The folder becomes usable: the next line opens a file under the next, longer name.
   ASSERT_TRUE(::DeleteFileW(blocker.c_str()));
-  ASSERT_TRUE(::CreateDirectoryW(blocker.c_str(), nullptr));
-  ASSERT_TRUE(::CreateDirectoryW((blocker + L"\\s").c_str(), nullptr));
+  ASSERT_TRUE(std::filesystem::create_directories(blocker + L"\\s"));
   logger.Info(2, L"f.cpp", L"F", L"kept %d", 2);
   const std::wstring third = logger.Path();
   EXPECT_EQ(third.substr(0, second.size()), second);
   EXPECT_TRUE(logtest::IsLogFileName(logtest::FileNameOf(third), L"T", 3)) << testing::PrintToString(third);
   EXPECT_EQ(logtest::FilesIn(folder), std::vector<std::wstring>{logtest::FileNameOf(third)});
-  const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(third));
+  const std::vector<logtest::LogLine> lines = logtest::ReadLogLines(third);
   ASSERT_EQ(lines.size(), 1u);
-  logtest::LogLine line;
-  ASSERT_TRUE(logtest::ParseLogLine(lines[0], line));
-  EXPECT_EQ(line.message, L"kept 2");
+  EXPECT_EQ(lines[0].message, L"kept 2");
   EXPECT_EQ(capture.LinesContaining(L"kept 2").size(), 1u);
 
   // Once open, the file stays: no more renaming.
   logger.Info(3, L"f.cpp", L"F", L"kept %d", 3);
   EXPECT_EQ(logger.Path(), third);
-  EXPECT_EQ(logtest::SplitCrLf(logtest::ReadUtf16(third)).size(), 2u);
+  EXPECT_EQ(logtest::ReadLines(third).size(), 2u);
 }
 
 }  // namespace

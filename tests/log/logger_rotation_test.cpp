@@ -16,7 +16,7 @@ constexpr std::int64_t kLimit = 5242880;
 
 std::vector<std::wstring> Messages(const std::wstring& path) {
   std::vector<std::wstring> messages;
-  for (const auto& text : logtest::SplitCrLf(logtest::ReadUtf16(path))) {
+  for (const auto& text : logtest::ReadLines(path)) {
     logtest::LogLine line;
     messages.push_back(logtest::ParseLogLine(text, line) ? line.message : (text.empty() || text[0] != L'#' ? text : L"#"));
   }
@@ -24,6 +24,10 @@ std::vector<std::wstring> Messages(const std::wstring& path) {
 }
 
 using Strings = std::vector<std::wstring>;
+using Files = std::vector<Strings>;
+
+// The messages of the current file and of its first two predecessors.
+Files Rotated(const std::wstring& path) { return {Messages(path), Messages(path + L".1"), Messages(path + L".2")}; }
 
 // "T<thread> L<index> " and 2,000 copies of a letter that depends on both.
 std::wstring WriterMessage(int thread, int index) {
@@ -45,23 +49,19 @@ TEST(LoggerRotation, AtTheLimitTheNextLineStartsAFreshFile) {
     logtest::WriteUtf16(path + L".2", L"old two\r\n");
 
     logger.Info(1, L"r.cpp", L"F", L"A");
-    EXPECT_EQ(Messages(path), (Strings{L"A"}));
+    EXPECT_EQ(Rotated(path), (Files{{L"A"}, {L"old one"}, {L"old two"}}));
     logtest::FillTo(path, c.fillTo);
     logger.Info(2, L"r.cpp", L"F", L"B");
     if (!c.rotatesAtOnce) {
-      EXPECT_EQ(Messages(path), (Strings{L"A", L"#", L"B"})) << "below the limit nothing moves";
-      EXPECT_EQ(Messages(path + L".1"), (Strings{L"old one"}));
-      EXPECT_EQ(Messages(path + L".2"), (Strings{L"old two"}));
+      EXPECT_EQ(Rotated(path), (Files{{L"A", L"#", L"B"}, {L"old one"}, {L"old two"}}))
+          << "below the limit nothing moves";
       logger.Info(3, L"r.cpp", L"F", L"C");
-      EXPECT_EQ(Messages(path), (Strings{L"C"}));
-      EXPECT_EQ(Messages(path + L".1"), (Strings{L"A", L"#", L"B"}));
+      EXPECT_EQ(Rotated(path), (Files{{L"C"}, {L"A", L"#", L"B"}, {L"old one"}}));
     } else {
-      EXPECT_EQ(Messages(path), (Strings{L"B"}));
-      EXPECT_EQ(Messages(path + L".1"), (Strings{L"A", L"#"}));
+      EXPECT_EQ(Rotated(path), (Files{{L"B"}, {L"A", L"#"}, {L"old one"}}));
       EXPECT_EQ(logtest::FileSize(path + L".1"), c.fillTo);
     }
     EXPECT_EQ(logger.Path(), path) << "the current file keeps its name";
-    EXPECT_EQ(Messages(path + L".2"), (Strings{L"old one"}));
     EXPECT_FALSE(logtest::FileExists(path + L".3"));
     EXPECT_EQ(logtest::FilesIn(temp.Path()).size(), 3u);
   }

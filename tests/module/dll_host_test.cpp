@@ -18,18 +18,15 @@ std::vector<std::wstring> LogOfHost(const std::wstring& folder, const std::vecto
                                     const std::wstring& hostPath) {
   std::vector<std::wstring> messages;
   for (const std::wstring& name : logtest::FilesIn(folder)) {
-    if (std::find(before.begin(), before.end(), name) != before.end()) continue;
+    const std::wstring path = folder + L"\\" + name;
     // Other programs' files come and go in the same folder.
-    const std::vector<std::wstring> lines = logtest::SplitCrLf(logtest::ReadUtf16(folder + L"\\" + name, true));
-    const auto namesHost = [&](const std::wstring& l) { return l.ends_with(L"]ower app = " + hostPath); };
-    if (std::none_of(lines.begin(), lines.end(), namesHost)) continue;
-    EXPECT_TRUE(messages.empty()) << "a second log file names the host";
-    for (const std::wstring& text : lines) {
-      logtest::LogLine line;
-      EXPECT_TRUE(logtest::ParseLogLine(text, line)) << testing::PrintToString(text);
-      messages.push_back(line.message);
+    if (std::find(before.begin(), before.end(), name) != before.end() ||
+        logtest::ReadUtf16(path, true).find(L"]ower app = " + hostPath + L"\r\n") == std::wstring::npos) {
+      continue;
     }
-    ::DeleteFileW((folder + L"\\" + name).c_str());
+    EXPECT_TRUE(messages.empty()) << "a second log file names the host";
+    for (const logtest::LogLine& line : logtest::ReadLogLines(path)) messages.push_back(line.message);
+    ::DeleteFileW(path.c_str());
   }
   return messages;
 }
@@ -51,9 +48,9 @@ TEST(DllHost, ExplorerAndTheRegistrationToolAreTheOnlyHosts) {
   const std::wstring logFolder = corvane::ClientFolder() + L"log\\Corvane";
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(std::wstring(c.host)));
-    const std::wstring hostPath = moduletest::ProgramFolder() + L"hosts\\" + c.host;
+    const std::wstring hostPath = corvane::ThisModuleFolder() + L"hosts\\" + c.host;
     const std::vector<std::wstring> before = logtest::FilesIn(logFolder);
-    moduletest::HostRun run = moduletest::RunHost(hostPath, moduletest::ProgramFolder() + L"Corvane.dll");
+    moduletest::HostRun run = moduletest::RunHost(hostPath, corvane::ThisModuleFolder() + L"Corvane.dll");
     ASSERT_TRUE(run.finished);
     // The host must see itself under the very name it was started by, capitals included.
     EXPECT_EQ(run.values[L"host"], hostPath) << testing::PrintToString(run.output);
@@ -81,8 +78,9 @@ TEST(DllHost, ADllPathPast260CharactersStillLogsBesideTheClient) {
   const std::wstring client = scratch.Path() + L"\\" + std::wstring(265 - scratch.Path().size() - 19, L'c');
   std::error_code error;
   for (const wchar_t* folder : {L"\\shell", L"\\log\\Corvane"}) std::filesystem::create_directories(client + folder, error);
-  ASSERT_TRUE(::CopyFileW((moduletest::ProgramFolder() + L"Corvane.dll").c_str(), (client + L"\\shell\\Corvane.dll").c_str(), TRUE));
-  const std::wstring host = moduletest::ProgramFolder() + L"hosts\\plain\\explorer.exe";
+  ASSERT_TRUE(::CopyFileW((corvane::ThisModuleFolder() + L"Corvane.dll").c_str(), (client + L"\\shell\\Corvane.dll").c_str(),
+                          TRUE));
+  const std::wstring host = corvane::ThisModuleFolder() + L"hosts\\plain\\explorer.exe";
   EXPECT_EQ(moduletest::RunHost(host, client + L"\\shell\\Corvane.dll").values[L"load"], L"ok");
   const std::vector<std::wstring> logs = logtest::FilesIn(client + L"\\log\\Corvane");
   ASSERT_EQ(logs.size(), 1u);

@@ -119,9 +119,7 @@ TEST_P(FolderTest, RemembersItsIdListParsesThroughTheShellAndHasNoItems) {
   corvane::unique_pidl parsed;
   EXPECT_EQ(m_folder->ParseDisplayName(nullptr, nullptr, path, &eaten, reinterpret_cast<PIDLIST_RELATIVE*>(parsed.put()),
                                        &attributes), S_OK);
-  EXPECT_NE(parsed.get(), nullptr);
-  EXPECT_EQ(eaten, 77u);
-  EXPECT_EQ(attributes, 77u);
+  EXPECT_EQ(std::make_tuple(parsed.get() != nullptr, eaten, attributes), std::make_tuple(true, 77ul, 77ul));
 
   void* ui = reinterpret_cast<void*>(0x1234);
   EXPECT_EQ(m_folder->GetUIObjectOf(nullptr, 0, nullptr, IID_IContextMenu, nullptr, &ui), E_NOINTERFACE);
@@ -165,12 +163,11 @@ TEST_P(FolderTest, ViewsAttributesAndPanes) {
   ASSERT_EQ(m_folder.As(&panes), S_OK);
   const GUID ribbon = {0xd27524a8, 0xc9f2, 0x4834, {0xa1, 0x06, 0xdf, 0x88, 0x89, 0xfd, 0x4f, 0x37}};
   const GUID navigation = {0xcb316b22, 0x25f7, 0x42b8, {0x8a, 0x09, 0x54, 0x0d, 0x23, 0xa4, 0x3c, 0x2f}};
-  EXPLORERPANESTATE state = 0x77;
-  EXPECT_EQ(panes->GetPaneState(ribbon, &state), S_OK);
-  EXPECT_EQ(state, 0x20001u);
-  state = 0x77;
-  EXPECT_EQ(panes->GetPaneState(navigation, &state), S_OK);
-  EXPECT_EQ(state, 0x77u);
+  for (const auto& [pane, expected] : {std::pair{ribbon, 0x20001u}, std::pair{navigation, 0x77u}}) {
+    EXPLORERPANESTATE state = 0x77;
+    EXPECT_EQ(panes->GetPaneState(pane, &state), S_OK);
+    EXPECT_EQ(state, expected);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(BothClasses, FolderTest, ::testing::ValuesIn(kClasses),

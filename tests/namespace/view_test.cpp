@@ -10,14 +10,12 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "accessible_probe.h"
 #include "../client_launcher/standin_session.h"
 #include "../client_registry/saved_value.h"
-#include "../explorer_standin/scratch_folder.h"
 #include "client_state.h"
 #include "core/paths.h"
 #include "corvane_h.h"
@@ -29,6 +27,7 @@
 #include "platform/com_object.h"
 #include "platform/handles.h"
 #include "platform/module_path.h"
+#include "widget_support.h"
 #include "window_probe.h"
 
 namespace {
@@ -44,24 +43,6 @@ HWND Button(HWND prompt, int index) {
 
 using testsupport::RectIn;
 
-// The client area of a window as 0x00RRGGBB pixels, row by row.
-std::vector<DWORD> Capture(HWND window, int width, int height) {
-  std::vector<DWORD> pixels(static_cast<size_t>(width) * height);
-  const corvane::scoped_window_dc screen(window);
-  const corvane::unique_hdc memory(::CreateCompatibleDC(screen.get()));
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB};
-  void* bits = nullptr;
-  const corvane::unique_hbitmap dib(::CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!dib) return pixels;
-  {
-    const corvane::scoped_select selected(memory.get(), dib.get());
-    ::BitBlt(memory.get(), 0, 0, width, height, screen.get(), 0, 0, SRCCOPY);
-  }
-  for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<const DWORD*>(bits)[i] & 0xFFFFFF;
-  return pixels;
-}
-
 // The object's reference count, read through an AddRef/Release pair.
 ULONG References(IUnknown* object) {
   object->AddRef();
@@ -70,21 +51,12 @@ ULONG References(IUnknown* object) {
 
 class ViewTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
-    m_theme.emplace(false);
-    m_clients = std::make_unique<launchertest::StandinSession>();
-    m_scratch = std::make_unique<standintest::ScratchFolder>();
-    m_syncFolder = m_scratch->MakeFolder(L"同步盘");
-  }
+  void SetUp() override { ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr))); }
   void TearDown() override {
     m_host.reset();
     nshost::PumpFor(0);
     testsupport::ClearClientState();
-    m_theme.reset();
     EXPECT_TRUE(launchertest::WaitForNoClient());
-    m_scratch.reset();
-    m_clients.reset();
     ::OleUninitialize();
   }
 
@@ -114,10 +86,10 @@ class ViewTest : public ::testing::Test {
     return posted.wParam;
   }
 
-  size_t CommandCount() const { return launchertest::ReadRecords(m_clients->ClientRecord()).size(); }
+  size_t CommandCount() const { return launchertest::ReadRecords(m_clients.ClientRecord()).size(); }
   // The next command at the client stand-in, as the client reads its command line.
   std::string NextCommand(size_t before) {
-    const auto records = launchertest::WaitForRecords(m_clients->ClientRecord(), before + 1);
+    const auto records = launchertest::WaitForRecords(m_clients.ClientRecord(), before + 1);
     EXPECT_EQ(records.size(), before + 1);
     // One client at a time: a second start within 8 seconds would close the start-up gate.
     EXPECT_TRUE(launchertest::WaitForNoClient());
@@ -128,11 +100,11 @@ class ViewTest : public ::testing::Test {
     return Utf8(launchertest::Received(client, L" -shellpopwin \"" + fields + L"\""));
   }
 
-  std::unique_ptr<launchertest::StandinSession> m_clients;
-  std::unique_ptr<standintest::ScratchFolder> m_scratch;
-  std::wstring m_syncFolder;
+  launchertest::StandinSession m_clients;
+  logtest::TempFolder m_scratch;
+  const std::wstring m_syncFolder = m_scratch.MakeFolder(L"同步盘");
   std::unique_ptr<nshost::NamespaceHost> m_host;
-  std::optional<registrytest::ThemeOverride> m_theme;
+  registrytest::ThemeOverride m_theme{false};
 };
 
 TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
@@ -158,7 +130,7 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
   };
   for (const auto& face : faces) {
     SCOPED_TRACE(testing::Message() << face.width << "x" << face.height << (face.dark ? " dark" : " light"));
-    ASSERT_TRUE(m_theme->Set(face.dark));
+    ASSERT_TRUE(m_theme.Set(face.dark));
     OpenView(face.state, face.width, face.height);
     const HWND prompt = Prompt();
     ASSERT_NE(prompt, nullptr);
@@ -171,23 +143,21 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
     const RECT shown = RectIn(Button(prompt, face.button), prompt);
     EXPECT_TRUE(::EqualRect(&shown, &face.buttonRect)) << shown.left << "," << shown.top << "," << shown.right;
     // Painted pixels (not the theme's brush): inside the button, in the picture's place, nowhere else.
-    const std::vector<DWORD> pixels = Capture(prompt, face.width, face.height);
+    const auto pixels = widgettest::CaptureClient(prompt);
+    ASSERT_TRUE(pixels && pixels->width == face.width && pixels->height == face.height);
     size_t inButton = 0, inPicture = 0, elsewhere = 0;
-    for (int y = 0; y < face.height; ++y) {
-      for (int x = 0; x < face.width; ++x) {
-        if (pixels[static_cast<size_t>(y) * face.width + x] == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
-        const POINT at{x, y};
-        ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
-      }
+    for (int i = 0; i < face.width * face.height; ++i) {
+      const POINT at{i % face.width, i / face.width};
+      if (widgettest::Rgb(pixels->at(at.x, at.y)) == (face.dark ? 0x202020u : 0xFFFFFFu)) continue;
+      ++(::PtInRect(&face.buttonRect, at) ? inButton : ::PtInRect(&face.background, at) ? inPicture : elsewhere);
     }
     for (const auto& [at, colour] : face.probes) {
       if (colour != 0) {
-        EXPECT_EQ(pixels[static_cast<size_t>(at.y) * face.width + at.x], colour) << at.x << "," << at.y;
+        EXPECT_EQ(widgettest::Rgb(pixels->at(at.x, at.y)), colour) << at.x << "," << at.y;
       }
     }
-    EXPECT_GT(inButton, 0u);
-    EXPECT_EQ(inPicture > 0, !::IsRectEmpty(&face.background));
-    EXPECT_EQ(elsewhere, 0u);
+    EXPECT_EQ(std::make_tuple(inButton > 0, inPicture > 0, elsewhere),
+              std::make_tuple(true, !::IsRectEmpty(&face.background), size_t{0}));
     // A screen reader reads the button as the words its picture shows.
     const wchar_t* const labels[] = {L"登录", L"开启同步", L"开启同步", L"打开同步设置"};
     const testsupport::Accessible seen = testsupport::AccessibleOf(Button(prompt, face.button));
@@ -208,12 +178,12 @@ TEST_F(ViewTest, PromptFacesByStateSizeAndTheme) {
 
 TEST_F(ViewTest, PromptTakesTheThemeAtAColourSetChangeOnly) {
   OpenView(ClientState::kSignedOut, 600, 400);
-  ASSERT_TRUE(m_theme->Set(true));
+  ASSERT_TRUE(m_theme.Set(true));
   const auto corner = [&](const wchar_t* setting) {
     ::SendMessageW(Prompt(), WM_SETTINGCHANGE, 0, reinterpret_cast<LPARAM>(setting));
-    // The setting handler leaves repainting to whoever changed the setting.
-    ::RedrawWindow(Prompt(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-    return Capture(Prompt(), 600, 400)[5 * 600 + 5];
+    // The setting handler leaves repainting to whoever changed the setting; the capture repaints.
+    const auto pixels = widgettest::CaptureClient(Prompt());
+    return pixels ? widgettest::Rgb(pixels->at(5, 5)) : 0u;
   };
   EXPECT_EQ(corner(L"immersivecolorset"), 0xFFFFFFu) << "the setting's name is compared exactly";
   EXPECT_EQ(corner(L"ImmersiveColorSet"), 0x202020u);
@@ -226,8 +196,8 @@ TEST_F(ViewTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
   testsupport::PublishClientState(ClientState::kSyncReady, m_syncFolder);
   EXPECT_EQ(Poll(), 1u);
   ASSERT_EQ(m_host->BrowseCalls().size(), 1u);
-  EXPECT_EQ(m_host->BrowseCalls().front().path, m_syncFolder);
-  EXPECT_EQ(m_host->BrowseCalls().front().flags, 1u) << "SBSP_SAMEBROWSER and nothing else";
+  EXPECT_EQ(std::make_pair(m_host->BrowseCalls().front().path, m_host->BrowseCalls().front().flags),
+            std::make_pair(m_syncFolder, 1u)) << "SBSP_SAMEBROWSER and nothing else";
   // Signed out, the poll keeps the sync-ready value it had: it still posts 1, yet nothing browses,
   // because the step into the folder asks the registry again.
   testsupport::PublishClientState(ClientState::kSignedOut, m_syncFolder);
@@ -242,16 +212,15 @@ TEST_F(ViewTest, SyncReadyBrowsesIntoTheSyncFolderAndHidesThePrompt) {
   ::SetWindowPos(m_host->Frame(), nullptr, 0, 0, 840, 620, SWP_NOMOVE | SWP_NOZORDER);
   EXPECT_TRUE(::IsWindowVisible(Prompt()));
   const RECT prompt = RectIn(Prompt(), m_host->ViewWindow());
-  EXPECT_EQ(prompt.right - prompt.left, 840);
-  EXPECT_EQ(prompt.bottom - prompt.top, 620);
+  EXPECT_EQ(std::make_pair(prompt.right - prompt.left, prompt.bottom - prompt.top), std::make_pair(840L, 620L));
 }
 
 // A drag is offered, moved over the view and taken back, offered again and dropped: the view accepts
 // only a copy of a file list, holds the data object from DragEnter to DragLeave or Drop, and sends
 // the dropped folders (at most five) while the user is signed in.
 TEST_F(ViewTest, DroppedFoldersBecomeOneCommand) {
-  std::vector<std::wstring> folders, files = {m_scratch->File(L"a.txt"), m_scratch->File(L"b.txt")};
-  for (int i = 1; i <= 6; ++i) folders.push_back(m_scratch->MakeFolder(L"文件夹 " + std::to_wstring(i)));
+  std::vector<std::wstring> folders, files = {m_scratch / L"a.txt", m_scratch / L"b.txt"};
+  for (int i = 1; i <= 6; ++i) folders.push_back(m_scratch.MakeFolder(L"文件夹 " + std::to_wstring(i)));
   for (const std::wstring& file : files) ASSERT_TRUE(corvane::unique_file(::CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr)));
   std::wstring fiveFields = L"syncdisk|open_folders";
   for (int i = 0; i < 5; ++i) fiveFields += L"|" + folders[i];

@@ -73,19 +73,15 @@ TEST(ComObject, AnswersEveryInterfaceWithOneIdentityAndCountsReferences) {
 
     ComPtr<IUnknown> identity;
     ASSERT_HRESULT_SUCCEEDED(object.As(&identity));
-    ComPtr<IPersist> persist;
-    ComPtr<IPersistFolder> stream;
-    ComPtr<IOleWindow> site;
-    ASSERT_HRESULT_SUCCEEDED(object.As(&persist));
-    ASSERT_HRESULT_SUCCEEDED(object.As(&stream));
-    ASSERT_HRESULT_SUCCEEDED(object.As(&site));
+    const IID iids[] = {__uuidof(IPersist), __uuidof(IPersistFolder), __uuidof(IOleWindow)};
+    ComPtr<IUnknown> pieces[3];
+    for (int i = 0; i < 3; ++i) ASSERT_HRESULT_SUCCEEDED(object->QueryInterface(iids[i], &pieces[i]));
     EXPECT_EQ(RefCount(object->Identity()), 5u);
 
     // Whatever interface asks, IUnknown is the same pointer.
-    for (IUnknown* from : {static_cast<IUnknown*>(persist.Get()), static_cast<IUnknown*>(stream.Get()),
-                           static_cast<IUnknown*>(site.Get())}) {
+    for (const ComPtr<IUnknown>& piece : pieces) {
       ComPtr<IUnknown> again;
-      ASSERT_HRESULT_SUCCEEDED(from->QueryInterface(IID_PPV_ARGS(&again)));
+      ASSERT_HRESULT_SUCCEEDED(piece->QueryInterface(IID_PPV_ARGS(&again)));
       EXPECT_EQ(again.Get(), identity.Get());
     }
     ComPtr<IDispatch> dispatch;
@@ -102,9 +98,7 @@ TEST(ClassFactory, ServesTheTableHoldsTheModuleAndRefusesUnknownClasses) {
   ComPtr<IClassFactory> factory;
   ASSERT_HRESULT_SUCCEEDED(corvane::GetClassObjectFromTable(kTable, kPlainClsid, IID_PPV_ARGS(&factory)));
   EXPECT_EQ(corvane::ModuleLock::Value(), base + 1) << "a held factory keeps the module";
-  ASSERT_HRESULT_SUCCEEDED(factory->LockServer(TRUE));
-  ASSERT_HRESULT_SUCCEEDED(factory->LockServer(TRUE));
-  ASSERT_HRESULT_SUCCEEDED(factory->LockServer(FALSE));
+  for (const BOOL lock : {TRUE, TRUE, FALSE}) ASSERT_HRESULT_SUCCEEDED(factory->LockServer(lock));
   EXPECT_EQ(corvane::ModuleLock::Value(), base + 2);
   ASSERT_HRESULT_SUCCEEDED(factory->LockServer(FALSE));
   ComPtr<IOleWindow> site;

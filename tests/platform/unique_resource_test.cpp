@@ -1,6 +1,7 @@
 // The RAII owners: each closes exactly once, put() frees before reuse, and moves transfer.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <utility>
 
 #include "platform/handles.h"
@@ -23,12 +24,10 @@ TEST(UniqueResource, ClosesOnceThroughResetMovePutAndRelease) {
   g_closed = 0;
   {
     fake_handle first(&a);
-    EXPECT_TRUE(first);
-    EXPECT_EQ(Live(), 1);
+    EXPECT_EQ(std::make_pair(static_cast<bool>(first), Live()), std::make_pair(true, 1L));
     fake_handle second(std::move(first));
-    EXPECT_FALSE(first);
-    EXPECT_EQ(second.get(), &a);
-    EXPECT_EQ(g_closed, 0) << "a move closes nothing";
+    EXPECT_EQ(std::make_tuple(static_cast<bool>(first), second.get(), g_closed), std::make_tuple(false, &a, 0))
+        << "a move closes nothing";
 
     *second.put() = &b;  // put frees the old value before handing out the slot
     EXPECT_EQ(std::make_pair(g_closed, g_lastClosed), std::make_pair(1, 1));
@@ -42,8 +41,7 @@ TEST(UniqueResource, ClosesOnceThroughResetMovePutAndRelease) {
     EXPECT_EQ(Live(), 0);
     EXPECT_FALSE(second);
   }
-  EXPECT_EQ(g_closed, 2) << "a released value is the caller's";
-  EXPECT_EQ(Live(), 0);
+  EXPECT_EQ(std::make_pair(g_closed, Live()), std::make_pair(2, 0L)) << "a released value is the caller's";
 }
 
 TEST(UniqueResource, RealHandlesCloseAndCountBackToWhereTheyWere) {

@@ -4,6 +4,9 @@
 #include <memory>
 #include <span>
 #include <stdexcept>
+#include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "platform/subclass.h"
@@ -25,24 +28,19 @@ class CProbe : public corvane::Window<CProbe> {
     };
     return map;
   }
+  // Each handler notes its call and answers its own number.
+  LRESULT Note(std::wstring call, LRESULT result) {
+    calls.push_back(std::move(call));
+    return result;
+  }
   LRESULT OnDeclined(UINT, WPARAM, LPARAM, bool& handled) {
-    calls.push_back(L"declined");
     handled = false;
-    return 111;
+    return Note(L"declined", 111);
   }
-  LRESULT OnTaken(UINT, WPARAM, LPARAM, bool&) {
-    calls.push_back(L"taken");
-    return 42;
-  }
+  LRESULT OnTaken(UINT, WPARAM, LPARAM, bool&) { return Note(L"taken", 42); }
   LRESULT OnThrow(UINT, WPARAM, LPARAM, bool&) { throw std::runtime_error("handler failure"); }
-  LRESULT OnCommandA(UINT, WPARAM, LPARAM, bool&) {
-    calls.push_back(L"A");
-    return 1;
-  }
-  LRESULT OnAnyCommand(UINT, WPARAM wParam, LPARAM, bool&) {
-    calls.push_back(L"any:" + std::to_wstring(LOWORD(wParam)));
-    return 2;
-  }
+  LRESULT OnCommandA(UINT, WPARAM, LPARAM, bool&) { return Note(L"A", 1); }
+  LRESULT OnAnyCommand(UINT, WPARAM wParam, LPARAM, bool&) { return Note(L"any:" + std::to_wstring(LOWORD(wParam)), 2); }
   void OnFinalMessage(HWND) override { finalSeen = true; }
 
   std::vector<std::wstring> calls;
@@ -85,9 +83,7 @@ TEST(Window, MessageMapRunsInOrderAndFallsBackToDefault) {
   CProbe second;  // the class is registered once and shared
   ASSERT_NE(second.Create(nullptr, nullptr, L"", WS_OVERLAPPEDWINDOW), nullptr);
   ::DestroyWindow(probe.m_hWnd);
-  EXPECT_TRUE(probe.finalSeen);
-  EXPECT_EQ(probe.m_hWnd, nullptr);
-  EXPECT_TRUE(second.IsWindow());
+  EXPECT_EQ(std::make_tuple(probe.finalSeen, probe.m_hWnd, second.IsWindow()), std::make_tuple(true, HWND{}, true));
 
   // A destroyed object takes its window along.
   auto third = std::make_unique<CProbe>();

@@ -19,6 +19,7 @@
 
 #include "host_process.h"
 #include "platform/handles.h"
+#include "platform/module_path.h"
 
 namespace {
 
@@ -36,10 +37,11 @@ const std::wstring kNewStartPanel = kExplorer + L"HideDesktopIcons\\NewStartPane
 const std::wstring kHelperObjects = kExplorer + L"Browser Helper Objects";
 const std::wstring kPolicy = L"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Ext\\CLSID";
 
-std::wstring Dll() { return moduletest::ProgramFolder() + L"Corvane.dll"; }
+std::wstring Dll() { return corvane::ThisModuleFolder() + L"Corvane.dll"; }
 
-// Where registration may write: a whole key, a key that need only be there, or a value of a shared key.
-enum class Read { kTree, kKey, kValue };
+// Where registration may write: a whole key, a key that need only be there, or a value of a shared key;
+// or a tree only cleared away, never read (the type library's and interfaces' own).
+enum class Read { kTree, kKey, kValue, kCleared };
 struct Place {
   HKEY hive;
   std::wstring path;
@@ -58,6 +60,8 @@ std::vector<Place> Places() {
     const HKEY hive = root.empty() ? HKEY_CLASSES_ROOT : HKEY_CURRENT_USER;
     for (const wchar_t* key : {L"SyncBarBHO.ExplorerBHO.1", L"SyncBarBHO.ExplorerBHO"}) places.push_back({hive, root + key, Read::kTree});
     for (const wchar_t* clsid : {kHelper, kView, kFirst, kSecond}) places.push_back({hive, root + L"CLSID\\" + clsid, Read::kTree});
+    places.push_back({hive, root + L"TypeLib\\" + kLibId, Read::kCleared});
+    for (const wchar_t* iid : kInterfaces) places.push_back({hive, root + L"Interface\\" + iid, Read::kCleared});
   }
   for (const wchar_t* clsid : {kFirst, kSecond}) {
     const std::wstring parent = clsid == kFirst ? L"MyComputer" : L"Desktop";
@@ -70,13 +74,8 @@ std::vector<Place> Places() {
 
 void RemoveEverything() {
   for (const Place& place : Places()) {
-    if (place.read == Read::kTree) ::RegDeleteTreeW(place.hive, place.path.c_str());
+    if (place.read == Read::kTree || place.read == Read::kCleared) ::RegDeleteTreeW(place.hive, place.path.c_str());
     if (place.read == Read::kValue) ::RegDeleteKeyValueW(place.hive, place.path.c_str(), place.value.c_str());
-  }
-  for (const std::wstring root : {L"", L"Software\\Classes\\"}) {
-    const HKEY hive = root.empty() ? HKEY_CLASSES_ROOT : HKEY_CURRENT_USER;
-    ::RegDeleteTreeW(hive, (root + L"TypeLib\\" + kLibId).c_str());
-    for (const wchar_t* iid : kInterfaces) ::RegDeleteTreeW(hive, (root + L"Interface\\" + iid).c_str());
   }
 }
 
@@ -191,7 +190,7 @@ std::vector<std::wstring> Expected(State state) {
 // The stand-in's results, one per call, in order.
 std::vector<HRESULT> CallExports(const std::wstring& calls) {
   const moduletest::HostRun run =
-      moduletest::RunHost(moduletest::ProgramFolder() + L"hosts\\regsvr\\regsvr32.exe", Dll(), calls);
+      moduletest::RunHost(corvane::ThisModuleFolder() + L"hosts\\regsvr\\regsvr32.exe", Dll(), calls);
   // RunHost reports a start or wait that failed.
   EXPECT_EQ(run.exitCode, 0u) << testing::PrintToString(run.output);
   std::vector<HRESULT> results;
@@ -239,57 +238,47 @@ TEST_F(Registration, ExportResultsAndWhereTheyWrite) {
   EXPECT_EQ(::ExtractIconExW(Dll().c_str(), -1, nullptr, nullptr, 0), 1u);
 }
 
-TEST_F(Registration, OnlyAMissingNameSpaceKeyFailsTheRemoval) {
+// Registered, then a key or value of the registration removed by hand: only a missing NameSpace key
+// fails the removal. Or a key made impossible to create (a non-volatile key cannot be created under
+// a volatile one, even by an administrator): the registration rolls back.
+TEST_F(Registration, MissingAndUncreatableKeys) {
+  const std::wstring firstClass = L"CLSID\\" + std::wstring(kFirst), hidden = kExplorer + L"HideDesktopIcons";
   const struct {
     HKEY hive;
     std::wstring path;
-    const wchar_t* value;  // null: the whole key goes
+    const wchar_t* value;  // null: the whole key is removed or blocked
+    const wchar_t* calls;  // null: registered, the key or value removed, then unregistered
     HRESULT result;
+    State after = State::kNothing;
   } cases[] = {
-      {HKEY_CURRENT_USER, kExplorer + L"MyComputer\\NameSpace\\" + kFirst, nullptr, SELFREG_E_CLASS},
-      {HKEY_CURRENT_USER, kExplorer + L"Desktop\\NameSpace\\" + kSecond, nullptr, SELFREG_E_CLASS},
-      {HKEY_CLASSES_ROOT, L"CLSID\\" + std::wstring(kFirst), nullptr, S_OK},
-      {HKEY_CURRENT_USER, kApproved, kFirst, S_OK},
-      {HKEY_LOCAL_MACHINE, kNewStartPanel, kSecond, S_OK},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.path + L"|" + (c.value ? c.value : L"")));
-    RemoveEverything();
-    ASSERT_EQ(CallExports(L"register"), std::vector<HRESULT>{S_OK});
-    c.value ? ::RegDeleteKeyValueW(c.hive, c.path.c_str(), c.value) : ::RegDeleteTreeW(c.hive, c.path.c_str());
-    EXPECT_EQ(CallExports(L"unregister"), std::vector<HRESULT>{c.result});
-    EXPECT_EQ(Snapshot(), Expected(State::kNothing));
-  }
-}
-
-TEST_F(Registration, KeyThatCannotBeCreatedRollsBack) {
-  const struct {
-    HKEY hive;
-    std::wstring blocked;
-    const wchar_t* calls;
-    State after;
-  } cases[] = {
+      {HKEY_CURRENT_USER, kExplorer + L"MyComputer\\NameSpace\\" + kFirst, nullptr, nullptr, SELFREG_E_CLASS},
+      {HKEY_CURRENT_USER, kExplorer + L"Desktop\\NameSpace\\" + kSecond, nullptr, nullptr, SELFREG_E_CLASS},
+      {HKEY_CLASSES_ROOT, firstClass, nullptr, nullptr, S_OK},
+      {HKEY_CURRENT_USER, kApproved, kFirst, nullptr, S_OK},
+      {HKEY_LOCAL_MACHINE, kNewStartPanel, kSecond, nullptr, S_OK},
       // The first folder's walk stops at InprocServer32 and unregisters everything; the second
-      // folder is registered afterwards all the same.
-      {HKEY_CLASSES_ROOT, L"CLSID\\" + std::wstring(kFirst), L"register", State::kSecondFolderOnly},
-      // DllInstall rolls that back too.
-      {HKEY_CLASSES_ROOT, L"CLSID\\" + std::wstring(kFirst), L"install:1", State::kNothing},
+      // folder is registered afterwards all the same. DllInstall rolls that back too.
+      {HKEY_CLASSES_ROOT, firstClass, nullptr, L"register", SELFREG_E_CLASS, State::kSecondFolderOnly},
+      {HKEY_CLASSES_ROOT, firstClass, nullptr, L"install:1", SELFREG_E_CLASS},
       // The second folder's last entry: nothing is left.
-      {HKEY_LOCAL_MACHINE, kExplorer + L"HideDesktopIcons", L"register", State::kNothing},
-      {HKEY_LOCAL_MACHINE, kExplorer + L"HideDesktopIcons", L"install:1:user", State::kNothing},
+      {HKEY_LOCAL_MACHINE, hidden, nullptr, L"register", SELFREG_E_CLASS},
+      {HKEY_LOCAL_MACHINE, hidden, nullptr, L"install:1:user", SELFREG_E_CLASS},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::PrintToString(c.blocked + L" " + c.calls));
+    SCOPED_TRACE(testing::PrintToString(c.path + L"|" + (c.value ? c.value : L"") + L" " + (c.calls ? c.calls : L"")));
     RemoveEverything();
-    // A non-volatile key cannot be created under a volatile one, even by an administrator: that is
-    // how one table entry's key is made impossible to create.
-    ::RegDeleteTreeW(c.hive, c.blocked.c_str());
     corvane::unique_hkey blocker;
-    ASSERT_EQ(::RegCreateKeyExW(c.hive, c.blocked.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
-                                blocker.put(), nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(CallExports(c.calls), std::vector<HRESULT>{SELFREG_E_CLASS});
+    if (c.calls != nullptr) {
+      ::RegDeleteTreeW(c.hive, c.path.c_str());
+      ASSERT_EQ(::RegCreateKeyExW(c.hive, c.path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                                  blocker.put(), nullptr), ERROR_SUCCESS);
+    } else {
+      ASSERT_EQ(CallExports(L"register"), std::vector<HRESULT>{S_OK});
+      c.value ? ::RegDeleteKeyValueW(c.hive, c.path.c_str(), c.value) : ::RegDeleteTreeW(c.hive, c.path.c_str());
+    }
+    EXPECT_EQ(CallExports(c.calls ? c.calls : L"unregister"), std::vector<HRESULT>{c.result});
     EXPECT_EQ(Snapshot(), Expected(c.after));
-    ::RegDeleteTreeW(c.hive, c.blocked.c_str());
+    if (c.calls != nullptr) ::RegDeleteTreeW(c.hive, c.path.c_str());
   }
 }
 

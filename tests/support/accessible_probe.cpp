@@ -3,6 +3,8 @@
 #include <oleacc.h>
 #include <wrl/client.h>
 
+#include "platform/automation.h"
+
 namespace testsupport {
 
 namespace {
@@ -22,16 +24,12 @@ VARIANT Self() {
 
 // A number or a text the object answers for itself; 0 or "" when it does not.
 LONG Number(HRESULT (STDMETHODCALLTYPE IAccessible::*ask)(VARIANT, VARIANT*), IAccessible* object) {
-  VARIANT value{};
-  const LONG number = SUCCEEDED((object->*ask)(Self(), &value)) && value.vt == VT_I4 ? value.lVal : 0;
-  ::VariantClear(&value);
-  return number;
+  corvane::unique_variant value;
+  return SUCCEEDED((object->*ask)(Self(), value.put())) && value.get().vt == VT_I4 ? value.get().lVal : 0;
 }
 std::wstring Text(HRESULT (STDMETHODCALLTYPE IAccessible::*ask)(VARIANT, BSTR*), IAccessible* object) {
-  BSTR text = nullptr;
-  const std::wstring value = SUCCEEDED((object->*ask)(Self(), &text)) && text != nullptr ? text : L"";
-  ::SysFreeString(text);
-  return value;
+  corvane::unique_bstr text;
+  return SUCCEEDED((object->*ask)(Self(), text.put())) && text ? text.get() : L"";
 }
 
 HWND g_watched = nullptr;

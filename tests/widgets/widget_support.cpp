@@ -24,12 +24,10 @@ struct GdiplusEnvironment : ::testing::Environment {
 
 void WritePng(const std::wstring& path, int width, int height, Argb fill, const std::vector<Block>& blocks) {
   Gdiplus::Bitmap bitmap(width, height, PixelFormat32bppARGB);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      Argb pixel = fill;
-      for (const auto& [rect, colour] : blocks) pixel = ::PtInRect(&rect, POINT{x, y}) ? colour : pixel;
-      ASSERT_EQ(bitmap.SetPixel(x, y, Gdiplus::Color(pixel.a, pixel.r, pixel.g, pixel.b)), Gdiplus::Ok);
-    }
+  for (int i = 0; i < width * height; ++i) {
+    Argb pixel = fill;
+    for (const auto& [rect, colour] : blocks) pixel = ::PtInRect(&rect, POINT{i % width, i / width}) ? colour : pixel;
+    ASSERT_EQ(bitmap.SetPixel(i % width, i / width, Gdiplus::Color(pixel.a, pixel.r, pixel.g, pixel.b)), Gdiplus::Ok);
   }
   CLSID png{};
   ASSERT_GE(GetEncoderClsid(L"image/png", &png), 0);
@@ -51,12 +49,10 @@ std::optional<Picture> ReadPicture(const std::wstring& path) {
   Gdiplus::Bitmap bitmap(path.c_str());
   if (bitmap.GetLastStatus() != Gdiplus::Ok) return std::nullopt;
   Picture picture{static_cast<int>(bitmap.GetWidth()), static_cast<int>(bitmap.GetHeight()), {}};
-  for (int y = 0; y < picture.height; ++y) {
-    for (int x = 0; x < picture.width; ++x) {
-      Gdiplus::Color colour;
-      if (bitmap.GetPixel(x, y, &colour) != Gdiplus::Ok) return std::nullopt;
-      picture.pixels.push_back(Argb{colour.GetA(), colour.GetR(), colour.GetG(), colour.GetB()});
-    }
+  for (int i = 0; i < picture.width * picture.height; ++i) {
+    Gdiplus::Color colour;
+    if (bitmap.GetPixel(i % picture.width, i / picture.width, &colour) != Gdiplus::Ok) return std::nullopt;
+    picture.pixels.push_back(Argb{colour.GetA(), colour.GetR(), colour.GetG(), colour.GetB()});
   }
   return picture;
 }
@@ -66,8 +62,7 @@ std::set<std::uint32_t> InkColours(const std::wstring& path, int from, int to) {
   const auto picture = ReadPicture(path);
   for (int y = 0; picture && y < picture->height; ++y) {
     for (int x = from; x < std::min(to, picture->width); ++x) {
-      const Argb p = picture->at(x, y);
-      if (p.a >= 128) colours.insert(std::uint32_t{p.r} << 16 | std::uint32_t{p.g} << 8 | p.b);
+      if (picture->at(x, y).a >= 128) colours.insert(Rgb(picture->at(x, y)));
     }
   }
   return colours;

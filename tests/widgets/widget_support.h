@@ -34,6 +34,8 @@ struct Argb {
 };
 constexpr Argb kTransparent{0, 0, 0, 0};
 inline Argb Opaque(COLORREF colour) { return Argb{255, GetRValue(colour), GetGValue(colour), GetBValue(colour)}; }
+// Its colour as 0xRRGGBB.
+inline std::uint32_t Rgb(Argb p) { return std::uint32_t{p.r} << 16 | std::uint32_t{p.g} << 8 | p.b; }
 
 // A PNG of width x height in one colour, with blocks of other colours (later blocks win).
 using Block = std::pair<RECT, Argb>;

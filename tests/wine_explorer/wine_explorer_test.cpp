@@ -3,15 +3,15 @@
 // gives the view Explorer's own window.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "../explorer_standin/scratch_folder.h"
 #include "client_state.h"
 #include "host_process.h"
+#include "log_files.h"
 #include "platform/handles.h"
+#include "platform/module_path.h"
 #include "window_probe.h"
 
 namespace {
@@ -30,12 +30,7 @@ class WineExplorer {
     wchar_t windows[MAX_PATH] = {};
     ::GetWindowsDirectoryW(windows, MAX_PATH);
     const std::wstring exe = std::wstring(windows) + L"\\explorer.exe";
-    std::wstring commandLine = L"\"" + exe + L"\"";
-    STARTUPINFOW startup{sizeof startup};
-    PROCESS_INFORMATION info{};
-    if (!::CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info)) return;
-    m_process.reset(info.hProcess);
-    const corvane::unique_handle thread(info.hThread);
+    m_process = testsupport::StartProcess(exe, L"\"" + exe + L"\"");
   }
   // Closes the window if it is still there, and makes sure the process is gone.
   ~WineExplorer() {
@@ -79,10 +74,7 @@ HWND FindDescendant(HWND root, const wchar_t* className) {
 
 class WineExplorerTest : public testing::Test {
  protected:
-  void SetUp() override {
-    m_syncFolder = m_scratch.MakeFolder(L"同步盘");
-    ASSERT_TRUE(moduletest::Regsvr32(L"/s").finished);
-  }
+  void SetUp() override { ASSERT_TRUE(moduletest::Regsvr32(L"/s").finished); }
   void TearDown() override {
     m_explorer.reset();
     testsupport::ClearClientState();
@@ -101,17 +93,16 @@ class WineExplorerTest : public testing::Test {
     for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
       // shell-nav (in the client folder's tools folder, one level up from this program) types the
       // parsing path into the address box and presses Enter.
-      const moduletest::HostRun run = moduletest::RunHost(moduletest::ProgramFolder() + L"..\\tools\\shell-nav.exe",
+      const moduletest::HostRun run = moduletest::RunHost(corvane::ThisModuleFolder() + L"..\\tools\\shell-nav.exe",
                                                           L"navigate", L"\"" + std::wstring(kFolderPath) + L"\"");
       ASSERT_TRUE(run.finished && run.exitCode == 0);
-      opened = WaitUntil(
-          [&] { return FindDescendant(m_explorer->Window(), L"CorvaneShellView") != nullptr; }, 5000);
+      opened = WaitUntil([&] { return FindDescendant(m_explorer->Window(), L"CorvaneShellView") != nullptr; }, 5000);
     }
     ASSERT_TRUE(opened);
   }
 
-  standintest::ScratchFolder m_scratch;
-  std::wstring m_syncFolder;
+  logtest::TempFolder m_scratch;
+  const std::wstring m_syncFolder = m_scratch.MakeFolder(L"同步盘");
   std::unique_ptr<WineExplorer> m_explorer;
 };
 
@@ -129,12 +120,10 @@ TEST_F(WineExplorerTest, PromptFillsTheViewWithTheFaceOfTheState) {
     SCOPED_TRACE(step.state);
     testsupport::PublishClientState(step.published, m_syncFolder);
     HWND prompt = nullptr;
-    ASSERT_TRUE(WaitUntil(
-        [&] {
-          prompt = FindDescendant(m_explorer->Window(), L"CorvaneMainWindow");
-          return prompt != nullptr && ::IsWindowVisible(prompt);
-        },
-        kWait));
+    ASSERT_TRUE(WaitUntil([&] {
+      prompt = FindDescendant(m_explorer->Window(), L"CorvaneMainWindow");
+      return prompt != nullptr && ::IsWindowVisible(prompt);
+    }, kWait));
     // The view is Explorer's: a child of its browser control, beside the navigation pane.
     RECT viewRect{}, promptRect{};
     ::GetWindowRect(::GetParent(prompt), &viewRect);
@@ -145,17 +134,14 @@ TEST_F(WineExplorerTest, PromptFillsTheViewWithTheFaceOfTheState) {
     // The poll, driven from here rather than waited for; Wine's window is smaller than the
     // pictures, so each face is its button alone.
     std::vector<int> visible;
-    EXPECT_TRUE(WaitUntil(
-        [&] {
-          ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
-          visible.clear();
-          for (HWND child = ::GetWindow(prompt, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
-            if (::IsWindowVisible(child)) visible.push_back(::GetDlgCtrlID(child));
-          }
-          return visible == std::vector<int>{step.button};
-        },
-        kWait))
-        << testing::PrintToString(visible);
+    EXPECT_TRUE(WaitUntil([&] {
+      ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
+      visible.clear();
+      for (HWND child = ::GetWindow(prompt, GW_CHILD); child != nullptr; child = ::GetWindow(child, GW_HWNDNEXT)) {
+        if (::IsWindowVisible(child)) visible.push_back(::GetDlgCtrlID(child));
+      }
+      return visible == std::vector<int>{step.button};
+    }, kWait)) << testing::PrintToString(visible);
     // After two more polls Explorer is still on the folder.
     for (int poll = 0; poll < 2; ++poll) ::SendMessageW(prompt, WM_TIMER, kPollTimer, 0);
     EXPECT_FALSE(m_explorer->WaitForExit(500));
