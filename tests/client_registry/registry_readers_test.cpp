@@ -32,28 +32,34 @@ Outcome Text() {
 }
 
 enum ReaderId { kLogin, kNotOpenSync, kOpenSync, kLogo, kSpace, kAdvertising };
+// What the log says when the per-user key or one of a reader's values is missing; each "@" stands
+// for the per-user key "Software\varnowe\Halvex\u0123456789". The cut-off "exis" is the log's own.
+const wchar_t kLoginMissing[] = L"@ not exist or @\\bLogin not exist";
+const wchar_t kSyncMissing[] = L"@ not exist or @\\bLogin not exist or @\\bOpenSync not exis";
 const struct Reader {
   const wchar_t* function;
   const wchar_t* level;  // of an opening failure: only Info lines reach the product's log
   std::vector<std::wstring> values;
   Outcome (*call)();
+  const wchar_t* missing;
 } kReaders[] = {
-    {L"regUtil::checkReadyLogin", L"Info", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); }},
+    {L"regUtil::checkReadyLogin", L"Info", {L"bLogin"}, [] { return Result(regUtil::checkReadyLogin(), L"", true); },
+     kLoginMissing},
     {L"regUtil::checkReadyLoginNotOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
-     [] { return Result(regUtil::checkReadyLoginNotOpenSync(), L"", true); }},
+     [] { return Result(regUtil::checkReadyLoginNotOpenSync(), L"", true); }, kSyncMissing},
     {L"regUtil::checkReadyLoginAndOpenSync", L"Info", {L"bLogin", L"bOpenSync"},
-     Text<regUtil::checkReadyLoginAndOpenSync>},
-    {L"regUtil::getLogoPath", L"Debug", {L"userLogoPath"}, Text<regUtil::getLogoPath>},
+     Text<regUtil::checkReadyLoginAndOpenSync>, kSyncMissing},
+    {L"regUtil::getLogoPath", L"Debug", {L"userLogoPath"}, Text<regUtil::getLogoPath>, kLoginMissing},
     {L"regUtil::getCloudSpace", L"Info", {L"totalSpace", L"usedSpace"}, [] {
        std::uint64_t total = 7, used = 8;
        const bool ok = regUtil::getCloudSpace(total, used);
        return Result(ok, std::to_wstring(total) + L"|" + std::to_wstring(used), total == 7 && used == 8);
-     }},
+     }, L"@ not exist or @\\totalSpace not exist or @\\usedSpace not exis"},
     {L"regUtil::getAdvertisingInfo", L"Info", {L"advertisingId", L"advertisingTitle"}, [] {
        std::wstring id = L"-", title = L"-";
        const bool ok = regUtil::getAdvertisingInfo(id, title);
        return Result(ok, id + L"|" + title, id == L"-" && title == L"-");
-     }},
+     }, L"@ not exist or @\\advertisingId not exist or @\\advertisingTitle not exis"},
 };
 
 class Readers : public RegistryTest {
@@ -93,9 +99,14 @@ TEST_F(Readers, EachMissingPieceFailsWithOneLineAtTheReadersLevel) {
       }
       ClearLog();
       EXPECT_EQ(reader.call(), Outcome());
-      std::wstring levels;
-      for (const logtest::LogLine& line : LogOf(reader.function)) levels += line.tag;
-      EXPECT_EQ(levels, reader.level);
+      std::wstring message = setup < kShortUser ? L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex not exist or "
+                                                   L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex\\currentUser not exist"
+                             : setup == kShortUser ? L"HKEY_CURRENT_USER\\Software\\varnowe\\Halvex\\currentUser value invalid"
+                                                   : reader.missing;
+      for (size_t at; (at = message.find(L'@')) != message.npos;) message.replace(at, 1, L"Software\\varnowe\\Halvex\\u0123456789");
+      std::vector<std::pair<std::wstring, std::wstring>> lines;
+      for (const logtest::LogLine& line : LogOf(reader.function)) lines.emplace_back(line.tag, line.message);
+      EXPECT_EQ(lines, (std::vector<std::pair<std::wstring, std::wstring>>{{reader.level, message}}));
     }
   }
   // The current user alone needs only the value, of any length.
