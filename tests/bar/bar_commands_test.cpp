@@ -38,7 +38,10 @@ class BarCommandTest : public BarTest {
     const auto records = launchertest::WaitForRecords(m_standin.ClientRecord(), before + 1);
     ASSERT_EQ(records.size(), before + 1);
     EXPECT_EQ(records.back().commandLine, launchertest::Received(corvane::ClientFolder() + L"Halvex.exe", L" -shellpopwin \"" + fields + L"\""));
-    EXPECT_EQ(records.back().directory + L"\\", corvane::ClientFolder());
+    // The client folder, named from this program's own place: the test bed's shell folder under it.
+    wchar_t program[MAX_PATH] = {};
+    ::GetModuleFileNameW(nullptr, program, MAX_PATH);
+    EXPECT_EQ(records.back().directory + L"\\shell\\bar_command_tests.exe", program);
     EXPECT_EQ(records.back().show, L"1") << "started SW_SHOWNORMAL";
     EXPECT_EQ(LogOf(function).size(), 1u);
     // One client at a time: a second one starting within 8 seconds would close the start-up gate.
