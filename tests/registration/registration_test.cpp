@@ -11,7 +11,7 @@
 #include <shellapi.h>
 
 #include <algorithm>
-#include <cwchar>
+#include <cwctype>
 #include <optional>
 #include <sstream>
 #include <string>
