@@ -3,6 +3,7 @@
 #include <oleacc.h>
 #include <wrl/client.h>
 
+#include "platform/automation.h"
 #include "platform/handles.h"
 
 namespace {
@@ -15,29 +16,25 @@ std::wstring Line(HWND window, int depth) {
   VARIANT self{};
   self.vt = VT_I4;
   self.lVal = CHILDID_SELF;
-  VARIANT value{};
+  corvane::unique_variant value;
   std::wstring role = L"?";
-  if (SUCCEEDED(object->get_accRole(self, &value)) && value.vt == VT_I4) {
+  if (SUCCEEDED(object->get_accRole(self, value.put())) && value.get().vt == VT_I4) {
     wchar_t text[64] = {};
-    ::GetRoleTextW(static_cast<DWORD>(value.lVal), text, 64);
+    ::GetRoleTextW(static_cast<DWORD>(value.get().lVal), text, 64);
     role = text;
   }
-  ::VariantClear(&value);
   std::wstring states;
-  if (SUCCEEDED(object->get_accState(self, &value)) && value.vt == VT_I4) {
+  if (SUCCEEDED(object->get_accState(self, value.put())) && value.get().vt == VT_I4) {
     for (DWORD bit = 1; bit != 0 && bit <= static_cast<DWORD>(STATE_SYSTEM_VALID); bit <<= 1) {
-      if ((static_cast<DWORD>(value.lVal) & bit) == 0) continue;
+      if ((static_cast<DWORD>(value.get().lVal) & bit) == 0) continue;
       wchar_t text[64] = {};
       ::GetStateTextW(bit, text, 64);
       states += (states.empty() ? L"" : L", ") + std::wstring(text);
     }
   }
-  ::VariantClear(&value);
-  BSTR name = nullptr, action = nullptr;
-  std::wstring shown = SUCCEEDED(object->get_accName(self, &name)) && name != nullptr ? name : L"";
-  std::wstring press = SUCCEEDED(object->get_accDefaultAction(self, &action)) && action != nullptr ? action : L"";
-  ::SysFreeString(name);
-  ::SysFreeString(action);
+  corvane::unique_bstr name, action;
+  const std::wstring shown = SUCCEEDED(object->get_accName(self, name.put())) && name ? name.get() : L"";
+  const std::wstring press = SUCCEEDED(object->get_accDefaultAction(self, action.put())) && action ? action.get() : L"";
   wchar_t className[64] = {};
   ::GetClassNameW(window, className, 64);
   std::wstring line = std::wstring(static_cast<size_t>(depth) * 2, L' ') + role + L"  \"" + shown + L"\"  [" +
